@@ -1,0 +1,1 @@
+#include <qon/qon_serv.h>
