@@ -1,1 +1,0 @@
-#include <qon/qon_serv.h>
