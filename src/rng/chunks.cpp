@@ -108,9 +108,8 @@ int32_t rokAddChunk(RokStream *stream, uint32_t id, const uint64_t key[2], void 
 }
 
 void *rokSearchChunk(const RokStream *stream, uint32_t id) {
-    for (const RokChunk *c = stream->chunks; c != nullptr; c = c->next)
-        if (c->id == id) return c->data;
-    return nullptr;
+    const RokChunk *c = qon::rng::find_chunk(stream, id);
+    return c != nullptr ? c->data : nullptr;
 }
 
 int32_t rokGetNumChunks(const RokStream *stream) {

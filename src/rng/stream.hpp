@@ -62,6 +62,14 @@ inline size_t stream_block_bytes(const BrngProperties *props) {
     return size < kStreamHeaderBytes ? kStreamHeaderBytes : size;
 }
 
+// The first node of the stream's chunk list with this id, or null.
+inline RokChunk *find_chunk(const RokStream *stream, uint32_t id) {
+    RokChunk *c = stream->chunks;
+    while (c != nullptr && c->id != id) c = c->next;
+    return c;
+}
+inline bool is_private_chunk(const RokChunk *c) { return c->key[0] == 0 && c->key[1] == 0; }
+
 // The one identifier rule. Ids >= 0x100000 address the main table (row (id >> 20) - 1,
 // sub-generator id & 0xFFFFF); smaller ids the compatibility table (ids 4 .. 276 are row 4,
 // sub-generator id - 4; any other id is its own row, sub-generator 0).
