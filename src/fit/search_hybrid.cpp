@@ -1,0 +1,79 @@
+// Cell search on a non-uniform partition through its bin table: the bin of a site gives a
+// range (lo, hi) of knots with x[lo] < t < x[hi]; bisection narrows ranges wider than 40 gaps
+// and the cell is then lo plus the number of knots of [lo, hi) not above t, counted four at a
+// time by a vector compare and a population count of its mask. Forty gaps is where the linear
+// vector count overtakes further bisection. Without a bin table the range is the whole
+// partition. Exact: only comparisons decide the cell.
+#include <bit>
+
+#include "fit/search.hpp"
+
+namespace qon::fit {
+namespace {
+
+// The cell of t, with x[lo] <= t < x[hi].
+template <class T>
+inline int64_t narrow_and_count(const T *x, int64_t lo, int64_t hi, T t) {
+    constexpr int64_t kLinear = 40;
+    while (hi - lo > kLinear) {
+#pragma GCC unroll 8
+        for (int step = 0; step < 8; ++step) {
+            const int64_t mid = (lo + hi) >> 1;
+            const bool above = x[mid] > t;
+            hi = above ? mid : hi;
+            lo = above ? lo : mid;
+            if (hi - lo <= kLinear) break;
+        }
+    }
+    if (hi - lo <= 1) return hi;
+    int64_t c = lo, k = lo;
+    for (; k + 4 <= hi; k += 4) {
+        const int m = le_mask4(x + k, t);
+        c += std::popcount(static_cast<unsigned>(m));
+        if (m != 0xF) return c;
+    }
+    for (; k < hi && x[k] <= t; ++k) ++c;
+    return c;
+}
+
+}  // namespace
+
+template <class T, class C>
+int hybrid_search(int64_t nx, const T *x, int64_t nsite, const T *site, const int64_t *bins,
+                  T scale, C *cell) {
+    if (nsite < 1) return DF_STATUS_OK;
+    const T x0 = x[0], xl = x[nx - 1];
+    for (int64_t i = 0; i < nsite; ++i) {
+        const T t = site[i];
+        int64_t c;
+        if (!(t >= x0)) {
+            c = 0;
+        } else if (t >= xl) {
+            c = t == xl ? nx - 1 : nx;
+        } else if (bins == nullptr) {
+            c = narrow_and_count(x, 0, nx - 1, t);
+        } else {
+            const int64_t b = trunc_i64((t - x0) * scale);
+            c = narrow_and_count(x, bins[2 * b], bins[2 * b + 1], t);
+        }
+        cell[i] = static_cast<C>(c);
+    }
+    return DF_STATUS_OK;
+}
+
+#define QON_DF_INSTANTIATE(T, C)                                                               \
+    template int hybrid_search<T, C>(int64_t, const T *, int64_t, const T *, const int64_t *, \
+                                     T, C *);
+QON_DF_SEARCH_TYPES(QON_DF_INSTANTIATE)
+
+}  // namespace qon::fit
+
+#define QON_DF_EXPORT(P, T, W, C)                                                              \
+    QON_API int qon_df_kernel_##P##DFHybridSearch1D##W(int64_t nx, const T *x, int64_t nsite,  \
+                                                       const T *site, const int64_t *bins,     \
+                                                       T scale, C *cell) {                     \
+        return qon::fit::hybrid_search(nx, x, nsite, site, bins, scale, cell);                 \
+    }
+extern "C" {
+QON_DF_SEARCH_VARIANTS(QON_DF_EXPORT)
+}
