@@ -25,6 +25,8 @@ Heap *heap_create(std::size_t initial_size);
 void *heap_alloc(Heap *heap, std::size_t size);
 void heap_free(Heap *heap, void *block);
 void heap_destroy(Heap *heap);
+// Number of blocks currently allocated from the heap.
+std::size_t heap_block_count(Heap *heap);
 
 // Sets the calling thread's C runtime errno.
 void set_errno(int value);

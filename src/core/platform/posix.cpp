@@ -70,6 +70,13 @@ void heap_destroy(Heap *heap) {
     delete heap;
 }
 
+std::size_t heap_block_count(Heap *heap) {
+    std::lock_guard<std::mutex> guard(heap->lock);
+    std::size_t count = 0;
+    for (BlockHeader *b = heap->head.next; b != &heap->head; b = b->next) ++count;
+    return count;
+}
+
 void set_errno(int value) { errno = value; }
 
 }  // namespace qon::platform

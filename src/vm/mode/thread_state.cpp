@@ -82,6 +82,11 @@ ThreadRecord &thread_record_or_exit() {
     return *record;
 }
 
+std::size_t live_records() {
+    platform::Heap *h = heap.load(std::memory_order_acquire);
+    return h == nullptr ? 0 : platform::heap_block_count(h);
+}
+
 bool process_attach() { return thread_record() != nullptr; }
 
 void process_detach() {

@@ -5,6 +5,7 @@
 
 #include <qon/qon_pax.h>
 
+#include <cstddef>
 #include <cstdint>
 
 namespace qon::vm {
@@ -23,6 +24,9 @@ ThreadRecord *thread_record();
 ThreadRecord &thread_record_or_exit();
 // The record with its mode initialised from QON_PAX_MODE when it still reads 0.
 ThreadRecord &initialised_record();
+
+// Number of per-thread records alive now.
+std::size_t live_records();
 
 // Library attach: allocates the slot and the attaching thread's record; false on failure.
 bool process_attach();
