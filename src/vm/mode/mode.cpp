@@ -76,7 +76,9 @@ bool parse_mode(const char *text, std::uint64_t &value) {
     }
 }
 
-std::uint32_t mode_from_environment() {
+}  // namespace
+
+std::uint32_t initial_mode() {
     char buffer[env_buffer_size];
     qon_serv_lock(QON_SERV_LOCK_ENV);
     int length = qon_serv_getenv("QON_PAX_MODE", buffer, env_buffer_size);
@@ -89,20 +91,16 @@ std::uint32_t mode_from_environment() {
     return mode;
 }
 
+}  // namespace qon::vm
+
+namespace {
+
 // Replaces the field `mask` of `current` by the argument's field when that one is non-zero.
 constexpr std::uint32_t merge_field(std::uint32_t current, std::uint32_t arg, std::uint32_t mask) {
     return (arg & mask) != 0 ? (current & ~mask) | (arg & mask) : current;
 }
 
 }  // namespace
-
-ThreadRecord &initialised_record() {
-    ThreadRecord &record = thread_record_or_exit();
-    if (record.mode == 0) record.mode = mode_from_environment();
-    return record;
-}
-
-}  // namespace qon::vm
 
 using qon::vm::initialised_record;
 
@@ -113,7 +111,7 @@ QON_API unsigned int qon_pax_kernel_SetMode(unsigned int mode) {
     std::uint32_t previous = record.mode;
     std::uint32_t merged = previous;
     for (std::uint32_t mask : {0xFu, 0xFF00u, 0x3C0000u, 0xF000000u, 0x30000u})
-        merged = qon::vm::merge_field(merged, mode, mask);
+        merged = merge_field(merged, mode, mask);
     record.mode = merged;
     return previous;
 }

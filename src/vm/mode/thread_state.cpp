@@ -18,6 +18,7 @@ std::atomic<platform::TlsIndex> slot{platform::tls_none};
 std::atomic<platform::Heap *> heap{nullptr};
 
 void free_record(void *record) {
+    detail::current = nullptr;
     if (platform::Heap *h = heap.load(std::memory_order_acquire)) platform::heap_free(h, record);
 }
 
@@ -65,7 +66,11 @@ ThreadRecord *create_record(platform::TlsIndex index) {
 
 }  // namespace
 
-ThreadRecord *thread_record() {
+namespace detail {
+
+constinit thread_local ThreadRecord *current = nullptr;
+
+ThreadRecord *create_or_find_record() {
     platform::TlsIndex index = ensure_slot();
     ThreadRecord *record = nullptr;
     if (index != platform::tls_none) {
@@ -73,13 +78,15 @@ ThreadRecord *thread_record() {
         if (record == nullptr) record = create_record(index);
     }
     if (record == nullptr) qon_serv_print(1, message_no_thread_state, 0);
+    current = record;
     return record;
 }
 
-ThreadRecord &thread_record_or_exit() {
-    ThreadRecord *record = thread_record();
-    if (record == nullptr) qon_serv_exit(3);
-    return *record;
+}  // namespace detail
+
+void exit_without_record() {
+    qon_serv_exit(3);
+    __builtin_unreachable();
 }
 
 std::size_t live_records() {
@@ -93,6 +100,7 @@ void process_detach() {
     platform::TlsIndex index = slot.exchange(platform::tls_none, std::memory_order_acq_rel);
     platform::Heap *h = heap.exchange(nullptr, std::memory_order_acq_rel);
     if (index != platform::tls_none) {
+        detail::current = nullptr;
         if (void *record = platform::tls_get(index)) {
             platform::tls_set(index, nullptr);
             if (h != nullptr) platform::heap_free(h, record);
