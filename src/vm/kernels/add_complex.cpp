@@ -1,0 +1,8 @@
+// Complex addition, (a + ib) + (c + id) = (a + c) + i(b + d): each component correctly rounded.
+#include "vm/kernels/complex_sum.hpp"
+
+namespace {
+using Add = qon::vm::cx::Sum<1>;
+}  // namespace
+
+QON_VM_COMPLEX_KERNELS_SHARED(B, Add, Add)

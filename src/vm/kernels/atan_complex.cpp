@@ -1,0 +1,23 @@
+// Complex arc tangent, atan z = -i atanh(iz), with its cuts on the imaginary axis beyond +-i and poles at +-i.
+// HA: the C library's function on the argument widened (c in double, z in long double), each
+// component rounded once, so within 0.5 ulp plus a small fraction of an ulp of that component.
+// LA and EP of z: the double function, whose componentwise error stays within a few ulp; an
+// element with a zero, subnormal or non-finite component is evaluated as HA, so every slot gives
+// the same special values and statuses. LA and EP of c share the HA kernel.
+#include "vm/kernels/complex_math.hpp"
+
+namespace {
+struct Atan {
+    template <class C>
+    static C f(C x) {
+        return std::atan(x);
+    }
+    template <class C>
+    static bool pole(C x) {
+        return x.real() == 0 && std::fabs(x.imag()) == 1;
+    }
+};
+using Routine = qon::vm::cx::Unary<Atan, true>;
+}  // namespace
+
+QON_VM_COMPLEX_KERNELS(U, Atan, Routine)

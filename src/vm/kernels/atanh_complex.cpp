@@ -1,0 +1,23 @@
+// Complex inverse hyperbolic tangent, atanh z = (ln(1 + z) - ln(1 - z))/2, with its cuts on the real axis beyond +-1 and poles at +-1.
+// HA: the C library's function on the argument widened (c in double, z in long double), each
+// component rounded once, so within 0.5 ulp plus a small fraction of an ulp of that component.
+// LA and EP of z: the double function, whose componentwise error stays within a few ulp; an
+// element with a zero, subnormal or non-finite component is evaluated as HA, so every slot gives
+// the same special values and statuses. LA and EP of c share the HA kernel.
+#include "vm/kernels/complex_math.hpp"
+
+namespace {
+struct Atanh {
+    template <class C>
+    static C f(C x) {
+        return std::atanh(x);
+    }
+    template <class C>
+    static bool pole(C x) {
+        return x.imag() == 0 && std::fabs(x.real()) == 1;
+    }
+};
+using Routine = qon::vm::cx::Unary<Atanh, true>;
+}  // namespace
+
+QON_VM_COMPLEX_KERNELS(U, Atanh, Routine)
