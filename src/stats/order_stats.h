@@ -1,0 +1,91 @@
+// The driver shared by the quantile and sort kernels: the observations of a block of variables
+// (at most 2^30 bytes) are copied as order-preserving keys into a work buffer, one run per
+// variable, and the threads of the service table take whole variables. A run is radix-sorted
+// (quicksorted beyond 2^31 - 1 values) and written out when sorted output is wanted, and the
+// quantiles are read from it; quantiles alone are found by selection, which leaves each run only
+// partly ordered.
+#pragma once
+
+#include <algorithm>
+
+#include "stats/common.h"
+#include "stats/quantile.h"
+
+namespace ss {
+
+constexpr int64_t kBlockBytes = int64_t{1} << 30;
+
+template <class T>
+struct OrderRun {
+    using K = KeyOf<T>;
+    const T *x = nullptr;
+    Observations obs;
+    const int64_t *vars = nullptr;
+    int64_t first = 0, count = 0;  // processed variables first .. first+count-1 form the block
+    K *block = nullptr, *tmp = nullptr;
+    int64_t *fixed = nullptr;
+    const T *orders = nullptr;
+    int64_t m = 0;
+    T *quants = nullptr, *stats = nullptr;
+    int64_t stats_sv = 0, stats_so = 0;
+};
+
+template <class T>
+void order_worker(int thread, int nthreads, OrderRun<T> *r) {
+    using K = KeyOf<T>;
+    const int64_t n = r->obs.n;
+    const int64_t per = (r->count + nthreads - 1) / nthreads;
+    const int64_t b0 = std::min(r->count, thread * per), b1 = std::min(r->count, b0 + per);
+    for (int64_t b = b0; b < b1; ++b) {
+        const int64_t i = r->vars[r->first + b];
+        K *run = r->block + b * n;
+        gather_keys(r->x, r->obs.stride_var, r->obs.stride_obs, i, n, run);
+        if (r->stats == nullptr) {
+            select_quantiles<T>(run, n, r->orders, r->m, r->quants + i * r->m, r->fixed + thread * 2 * r->m);
+            continue;
+        }
+        K *sorted = run;
+        if (n <= kRadixMaxLength)
+            radix_sort(run, r->tmp + thread * n, n, &sorted);
+        else
+            quick_sort(run, n);
+        scatter_values<T>(sorted, n, r->stats, r->stats_sv, r->stats_so, i);
+        if (r->quants != nullptr)
+            for (int64_t j = 0; j < r->m; ++j)
+                r->quants[i * r->m + j] = quantile_of_sorted<T>(sorted, n, static_cast<double>(r->orders[j]));
+    }
+}
+
+// Runs the worker over every processed variable, block by block. r.obs, r.x and the outputs are
+// set by the caller.
+template <class T>
+int run_order_statistics(const rok_ss_task *t, OrderRun<T> &r, const qon_serv_services *services) {
+    using K = KeyOf<T>;
+    const int64_t n = r.obs.n;
+    const int64_t per_block = std::max<int64_t>(1, kBlockBytes / (n * static_cast<int64_t>(sizeof(T))));
+    Buffer vars;
+    if (!vars.allocate(sizeof(int64_t) * static_cast<size_t>(r.obs.p))) return ROK_SS_ERROR_MEMORY;
+    const int64_t q = processed_variables(t, r.obs.p, vars.as<int64_t>());
+    if (q == 0) return 0;
+    r.vars = vars.as<int64_t>();
+    const qon_serv_services *s = services_or_default(services);
+    const int64_t block_vars = std::min(q, per_block);
+    const int nthreads = static_cast<int>(std::min<int64_t>(max_threads(s), block_vars));
+    const bool sorting = r.stats != nullptr;
+    const size_t run_bytes = sizeof(K) * static_cast<size_t>(n);
+    const size_t block_bytes = round_line(run_bytes * static_cast<size_t>(block_vars));
+    const size_t tmp_bytes = sorting ? round_line(run_bytes * static_cast<size_t>(nthreads)) : 0;
+    Buffer work;
+    if (!work.allocate(block_bytes + tmp_bytes + round_line(sizeof(int64_t) * 2 * static_cast<size_t>(r.m) * nthreads)))
+        return ROK_SS_ERROR_MEMORY;
+    r.block = work.as<K>();
+    r.tmp = sorting ? reinterpret_cast<K *>(work.as<char>() + block_bytes) : nullptr;
+    r.fixed = reinterpret_cast<int64_t *>(work.as<char>() + block_bytes + tmp_bytes);
+    for (r.first = 0; r.first < q; r.first += block_vars) {
+        r.count = std::min(block_vars, q - r.first);
+        parallel<OrderRun<T>, order_worker<T>>(s, static_cast<int>(std::min<int64_t>(nthreads, r.count)), &r);
+    }
+    return 0;
+}
+
+}  // namespace ss
