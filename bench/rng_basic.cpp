@@ -2,8 +2,8 @@
 // arrays: raw words against std::minstd_rand and std::mt19937, doubles in [0, 1) against
 // std::uniform_real_distribution<double> over each engine; blocks of 1000 and of 10^7 values.
 // After the runs a table gives, for each output kind and block size, every qon row's speed
-// over every baseline measured in the same run (> 1: qon is faster), from the median of the
-// repetitions when --benchmark_repetitions is given.
+// over every baseline measured in the same run (> 1: qon is faster), from CPU time (the
+// machine may be shared) and the median of the repetitions when --benchmark_repetitions is given.
 #include <qon/qon_rok.h>
 
 #include <benchmark/benchmark.h>
@@ -110,7 +110,7 @@ public:
             if (r.run_type == Run::RT_Aggregate && !median) continue;
             const std::string name = r.run_name.str();  // "<kind>/<impl>/<n>"
             if (median || times_.count(name) == 0 || !has_median_[name]) {
-                times_[name] = r.GetAdjustedRealTime();
+                times_[name] = r.GetAdjustedCPUTime();
                 has_median_[name] = has_median_[name] || median;
             }
         }

@@ -97,20 +97,9 @@ public:
     static int32_t raw(RokStream *stream, int32_t n, void *r) {
         if (n <= 0) return ROK_STATUS_OK;
         State *st = rok_state<State>(stream);
-        auto *out = static_cast<Word *>(r);
-        Word x = st->x;
-        int32_t i = 0;
-        if (const PowerChunk *pc = usable_chunk(stream, st->a); pc != nullptr && n >= 8) {
-            const int32_t blocks = n / 8;
-            x = run_lanes<2>(x, pc, pc->step8, blocks,
-                             [out](int32_t b, const __m256i *v) { G::store_raw8(out + 8 * b, v[0], v[1]); });
-            i = 8 * blocks;
-        }
-        for (; i < n; ++i) {
-            out[i] = x;
-            x = G::mul(st->a, x);
-        }
-        st->x = x;
+        st->x = fill<2>(st->x, st->a, usable_chunk(stream, st->a), static_cast<Word *>(r), n,
+                        [](Word x) { return x; },
+                        [](Word *dst, const __m256i *v) { G::store_raw8(dst, v[0], v[1]); });
         return ROK_STATUS_OK;
     }
 
@@ -127,31 +116,21 @@ public:
         } else {
             k = (hi - lo) * std::bit_cast<float>(scale.s_bits);
         }
-        Word x = st->x;
-        int32_t i = 0;
-        if (n >= 16) {
-            const int32_t blocks = n / 16;
-            x = run_lanes<4>(x, pc, pc->step16, blocks, [r, k, lo](int32_t b, const __m256i *v) {
-                T *dst = r + 16 * b;
-                if constexpr (std::is_same_v<T, double>) {
-                    const __m256d kv = _mm256_set1_pd(k), av = _mm256_set1_pd(lo);
-                    for (int j = 0; j < 4; ++j) _mm256_storeu_pd(dst + 4 * j, _mm256_fmadd_pd(G::vto_double(v[j]), kv, av));
-                } else {
-                    const __m256 kv = _mm256_set1_ps(k), av = _mm256_set1_ps(lo);
-                    for (int j = 0; j < 4; j += 2) {
-                        const __m256 f = _mm256_set_m128(_mm256_cvtpd_ps(G::vto_double(v[j + 1])),
-                                                         _mm256_cvtpd_ps(G::vto_double(v[j])));
-                        _mm256_storeu_ps(dst + 4 * j, _mm256_fmadd_ps(f, kv, av));
-                    }
-                }
-            });
-            i = 16 * blocks;
-        }
-        for (; i < n; ++i) {
-            r[i] = std::fma(static_cast<T>(G::to_double(x)), k, lo);
-            x = G::mul(st->a, x);
-        }
-        st->x = x;
+        st->x = fill<4>(st->x, st->a, pc, r, n, [k, lo](Word x) { return std::fma(static_cast<T>(G::to_double(x)), k, lo); },
+                        [k, lo](T *dst, const __m256i *v) {
+                            if constexpr (std::is_same_v<T, double>) {
+                                const __m256d kv = _mm256_set1_pd(k), av = _mm256_set1_pd(lo);
+                                for (int j = 0; j < 4; ++j)
+                                    _mm256_storeu_pd(dst + 4 * j, _mm256_fmadd_pd(G::vto_double(v[j]), kv, av));
+                            } else {
+                                const __m256 kv = _mm256_set1_ps(k), av = _mm256_set1_ps(lo);
+                                for (int j = 0; j < 4; j += 2) {
+                                    const __m256 f = _mm256_set_m128(_mm256_cvtpd_ps(G::vto_double(v[j + 1])),
+                                                                     _mm256_cvtpd_ps(G::vto_double(v[j])));
+                                    _mm256_storeu_ps(dst + 4 * j, _mm256_fmadd_ps(f, kv, av));
+                                }
+                            }
+                        });
         return ROK_STATUS_OK;
     }
 
@@ -197,6 +176,26 @@ private:
             return ROK_ERROR_MEM;
         }
         return ROK_STATUS_OK;
+    }
+
+    // Writes scalar(x) for n consecutive elements into out and returns the element after
+    // them. With a power chunk, whole blocks of 4R elements go through the lanes
+    // (vector(dst, v) writes one block); the rest is made one by one.
+    template <int R, class Out, class Scalar, class Vector>
+    static Word fill(Word x, Word a, const PowerChunk *pc, Out *out, int32_t n, Scalar scalar, Vector vector) {
+        constexpr int32_t kLanes = 4 * R;
+        int32_t i = 0;
+        if (pc != nullptr && n >= kLanes) {
+            const int32_t blocks = n / kLanes;
+            x = run_lanes<R>(x, pc, R == 2 ? pc->step8 : pc->step16, blocks,
+                             [&](int32_t b, const __m256i *v) { vector(out + kLanes * b, v); });
+            i = kLanes * blocks;
+        }
+        for (; i < n; ++i) {
+            out[i] = scalar(x);
+            x = G::mul(a, x);
+        }
+        return x;
     }
 
     // R registers of four lanes: lane j starts at x * a^j and every block advances all lanes

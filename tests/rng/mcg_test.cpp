@@ -294,3 +294,26 @@ TEST(PowMod, SquareAndMultiplyMatchesExactPowers) {
     EXPECT_EQ(rokiPowMod2P59(0, 0), 1u);
     EXPECT_EQ(rokiPowMod(0, 0, 5), 1u);
 }
+
+// Blocks of millions of values, written off any 32-byte boundary.
+TEST_P(McgTest, LargeBlocksFollowTheRecurrence) {
+    const Gen g = GetParam();
+    const int32_t n = (int32_t{1} << 21) + 13;
+    auto s = make_stream(g.id, {4321u});
+    Lcg o = oracle(g, 4321u);
+    std::vector<uint64_t> words(n / 2 + 8, 0);
+    if (g.word == 4) {
+        auto *w = reinterpret_cast<uint32_t *>(words.data()) + 1;
+        ASSERT_EQ(rokiBRngMCG31M1(s.get(), n, w), ROK_STATUS_OK);
+        for (int32_t i = 0; i < n; ++i) ASSERT_EQ(w[i], o.next()) << i;
+    } else {
+        std::vector<uint64_t> w(n + 1);
+        ASSERT_EQ(rokiBRngMCG59(s.get(), n, w.data() + 1), ROK_STATUS_OK);
+        for (int32_t i = 0; i < n; ++i) ASSERT_EQ(w[i + 1], o.next()) << i;
+    }
+    std::vector<double> d(n / 2 + 9);
+    BrngProperties p{};
+    ASSERT_EQ(rokGetBrngProperties(g.id, &p), ROK_STATUS_OK);
+    ASSERT_EQ(p.d_brng(s.get(), n / 2 + 7, d.data() + 2, 0.0, 1.0), ROK_STATUS_OK);
+    for (int32_t i = 0; i < n / 2 + 7; ++i) ASSERT_EQ(d[i + 2], static_cast<double>(o.next()) * g.dscale) << i;
+}
