@@ -1,8 +1,8 @@
 // Quantiles of one run of observations, from a sorted run or by selection, and the copying of a
 // variable's observations into a run of keys and back. The rule is the same in both paths:
 // h = (n - 1) q, k = trunc(h), f = h - k, Q = x(k) + f (x(min(k + 1, n - 1)) - x(k)) as one fused
-// multiply-add, so that q = 0 gives the minimum, q = 1 the maximum, and sorting and selection give
-// identical quantiles. A NaN order gives a NaN quantile.
+// multiply-add (x(k) itself when f = 0), so that q = 0 gives the minimum, q = 1 the maximum, and
+// sorting and selection give identical quantiles. A NaN order gives a NaN quantile.
 #pragma once
 
 #include <algorithm>
@@ -39,9 +39,10 @@ inline bool order_position(int64_t n, double q, int64_t &k, double &f) {
     return true;
 }
 
+// f = 0 gives x(k) itself, also when a neighbour is infinite (where f (hi - lo) would be NaN).
 template <class T>
 T interpolate(T lo, T hi, double f) {
-    return std::fma(static_cast<T>(f), hi - lo, lo);
+    return f == 0 ? lo : std::fma(static_cast<T>(f), hi - lo, lo);
 }
 
 template <class T>
