@@ -216,3 +216,21 @@ private:
 };
 
 }  // namespace qon::rng::mcg
+
+// The four registry entries of generator Name (as in rokBRng<Name>InitStream), all served by
+// Family<Traits>.
+#define QON_MCG_ENTRIES(Name, Traits)                                                                        \
+    extern "C" {                                                                                            \
+    QON_API int32_t rokBRng##Name##InitStream(int32_t method, RokStream *stream, int32_t n, const void *params) { \
+        return qon::rng::mcg::Family<Traits>::init_stream(method, stream, n, params);                       \
+    }                                                                                                       \
+    QON_API int32_t roksBRng##Name(RokStream *stream, int32_t n, float r[], float a, float b) {              \
+        return qon::rng::mcg::Family<Traits>::uniform(stream, n, r, a, b);                                  \
+    }                                                                                                       \
+    QON_API int32_t rokdBRng##Name(RokStream *stream, int32_t n, double r[], double a, double b) {           \
+        return qon::rng::mcg::Family<Traits>::uniform(stream, n, r, a, b);                                  \
+    }                                                                                                       \
+    QON_API int32_t rokiBRng##Name(RokStream *stream, int32_t n, void *r) {                                  \
+        return qon::rng::mcg::Family<Traits>::raw(stream, n, r);                                            \
+    }                                                                                                       \
+    }

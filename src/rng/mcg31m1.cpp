@@ -44,27 +44,10 @@ struct Mcg31m1 {
     }
 };
 
-using Gen = Family<Mcg31m1>;
-
 }  // namespace
 
-int32_t mcg31m1_refresh_chunk(RokStream *stream) { return Gen::refresh_chunk(stream); }
+int32_t mcg31m1_refresh_chunk(RokStream *stream) { return Family<Mcg31m1>::refresh_chunk(stream); }
 
 }  // namespace qon::rng::mcg
 
-using qon::rng::mcg::Gen;
-
-extern "C" {
-
-QON_API int32_t rokBRngMCG31M1InitStream(int32_t method, RokStream *stream, int32_t n, const void *params) {
-    return Gen::init_stream(method, stream, n, params);
-}
-QON_API int32_t roksBRngMCG31M1(RokStream *stream, int32_t n, float r[], float a, float b) {
-    return Gen::uniform(stream, n, r, a, b);
-}
-QON_API int32_t rokdBRngMCG31M1(RokStream *stream, int32_t n, double r[], double a, double b) {
-    return Gen::uniform(stream, n, r, a, b);
-}
-QON_API int32_t rokiBRngMCG31M1(RokStream *stream, int32_t n, void *r) { return Gen::raw(stream, n, r); }
-
-}  // extern "C"
+QON_MCG_ENTRIES(MCG31M1, qon::rng::mcg::Mcg31m1)

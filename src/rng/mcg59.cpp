@@ -45,27 +45,10 @@ struct Mcg59 {
     }
 };
 
-using Gen = Family<Mcg59>;
-
 }  // namespace
 
-int32_t mcg59_refresh_chunk(RokStream *stream) { return Gen::refresh_chunk(stream); }
+int32_t mcg59_refresh_chunk(RokStream *stream) { return Family<Mcg59>::refresh_chunk(stream); }
 
 }  // namespace qon::rng::mcg
 
-using qon::rng::mcg::Gen;
-
-extern "C" {
-
-QON_API int32_t rokBRngMCG59InitStream(int32_t method, RokStream *stream, int32_t n, const void *params) {
-    return Gen::init_stream(method, stream, n, params);
-}
-QON_API int32_t roksBRngMCG59(RokStream *stream, int32_t n, float r[], float a, float b) {
-    return Gen::uniform(stream, n, r, a, b);
-}
-QON_API int32_t rokdBRngMCG59(RokStream *stream, int32_t n, double r[], double a, double b) {
-    return Gen::uniform(stream, n, r, a, b);
-}
-QON_API int32_t rokiBRngMCG59(RokStream *stream, int32_t n, void *r) { return Gen::raw(stream, n, r); }
-
-}  // extern "C"
+QON_MCG_ENTRIES(MCG59, qon::rng::mcg::Mcg59)
