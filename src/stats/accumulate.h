@@ -8,7 +8,8 @@
 // weights and the element type (float data is widened to double). Variables-contiguous data
 // (0x10000) is reduced along each variable's run, four observations per vector and two vectors
 // per step; observations-contiguous data (0x20000) updates the sums of the variables of one
-// observation in strips of 8 and 4 lanes with a scalar tail, reading each row once.
+// observation in strips of 8 and 4 lanes with a scalar tail, reading each row once, or, for rows
+// of at most 16 variables, keeps all sums in registers for the whole block.
 #pragma once
 
 #include <immintrin.h>
@@ -113,6 +114,45 @@ void sums_by_observation_row(const T *row, double wj, int64_t q, const double *o
         add_powers<K>(static_cast<double>(row[v]) - origin[v], wj, a);
         for (int k = 0; k < K; ++k) U[k][v] = a[k];
     }
+}
+
+inline __m256d load4_masked(const double *p, __m256i mask) { return _mm256_maskload_pd(p, mask); }
+inline __m256d load4_masked(const float *p, __m256i mask) {
+    const __m128i m32 = _mm256_castsi256_si128(_mm256_permutevar8x32_epi32(mask, _mm256_setr_epi32(0, 2, 4, 6, 0, 0, 0, 0)));
+    return _mm256_cvtps_pd(_mm_maskload_ps(p, m32));
+}
+
+// Layout 0x20000 with all of at most 16 variables, V = ceil(q / 4) strips: the sums stay in
+// registers over the whole block and the last strip is loaded under a mask, so a short row costs
+// V vector steps and no scalar tail.
+template <int K, bool Weighted, class T, int V>
+void sums_short_rows(const T *x, int64_t p, const T *w, int64_t j0, int64_t j1, const double *origin,
+                     double *const *U) {
+    const int64_t q = p;
+    const __m256i lanes = _mm256_setr_epi64x(0, 1, 2, 3);
+    __m256i mask[V];
+    __m256d o[V], a[V][K];
+    for (int s = 0; s < V; ++s) {
+        mask[s] = _mm256_cmpgt_epi64(_mm256_set1_epi64x(q - 4 * s), lanes);
+        o[s] = _mm256_maskload_pd(origin + 4 * s, mask[s]);
+        for (int k = 0; k < K; ++k) a[s][k] = _mm256_setzero_pd();
+    }
+    for (int64_t j = j0; j < j1; ++j) {
+        const T *row = x + j * p;
+        for (int s = 0; s < V; ++s) {
+            const __m256d d = _mm256_sub_pd(s + 1 < V ? load4(row + 4 * s) : load4_masked(row + 4 * s, mask[s]), o[s]);
+            if constexpr (Weighted)
+                add_powers<K>(d, _mm256_set1_pd(static_cast<double>(w[j])), a[s]);
+            else
+                add_powers<K>(d, a[s]);
+        }
+    }
+    for (int s = 0; s < V; ++s)
+        for (int k = 0; k < K; ++k) {
+            alignas(32) double lane[4];
+            _mm256_store_pd(lane, a[s][k]);
+            for (int64_t l = 0; l < 4 && 4 * s + l < q; ++l) U[k][4 * s + l] += lane[l];
+        }
 }
 
 }  // namespace ss

@@ -130,6 +130,14 @@ void sums_block(const Run<T> &r, MomentState &s, T *row_buf, int64_t b, int64_t 
         sums_by_variable<K, Weighted, T>(r.x, r.n, r.vars, r.q, r.w, b, e, s.o, s.U);
         return;
     }
+    if (r.identity && r.q <= 16) {
+        switch ((r.q + 3) / 4) {
+            case 1: sums_short_rows<K, Weighted, T, 1>(r.x, r.p, r.w, b, e, s.o, s.U); return;
+            case 2: sums_short_rows<K, Weighted, T, 2>(r.x, r.p, r.w, b, e, s.o, s.U); return;
+            case 3: sums_short_rows<K, Weighted, T, 3>(r.x, r.p, r.w, b, e, s.o, s.U); return;
+            default: sums_short_rows<K, Weighted, T, 4>(r.x, r.p, r.w, b, e, s.o, s.U); return;
+        }
+    }
     for (int64_t j = b; j < e; ++j) {
         const T *row = r.x + j * r.p;
         if (!r.identity) {
@@ -157,16 +165,20 @@ void matrix_block(const Run<T> &r, MomentState &s, double *D, double *E, int64_t
     const int64_t len = e - b, q = r.q;
     const bool rows = r.storage == kStorageRows;
     const int64_t ld = rows ? len : q;
-    for (int64_t j = b; j < e; ++j) {
-        const double wj = r.w != nullptr ? static_cast<double>(r.w[j]) : 1.0;
-        for (int64_t v = 0; v < q; ++v) {
-            const int64_t i = r.vars[v];
-            const double d = static_cast<double>(rows ? r.x[i * r.n + j] : r.x[j * r.p + i]) - s.o[v];
-            const int64_t at = rows ? v * len + (j - b) : (j - b) * q + v;
-            D[at] = d;
-            if (E != nullptr) E[at] = d * wj;
-        }
-    }
+    // Copy in the order of the observation layout: along each variable's run, or along each row.
+    auto put = [&](int64_t v, int64_t j) {
+        const int64_t i = r.vars[v];
+        const double d = static_cast<double>(rows ? r.x[i * r.n + j] : r.x[j * r.p + i]) - s.o[v];
+        const int64_t at = rows ? v * len + (j - b) : (j - b) * q + v;
+        D[at] = d;
+        if (E != nullptr) E[at] = d * static_cast<double>(r.w[j]);
+    };
+    if (rows)
+        for (int64_t v = 0; v < q; ++v)
+            for (int64_t j = b; j < e; ++j) put(v, j);
+    else
+        for (int64_t j = b; j < e; ++j)
+            for (int64_t v = 0; v < q; ++v) put(v, j);
     if (E == nullptr)
         qon_blas_xdsyrk(QON_BLAS_ROW_MAJOR, QON_BLAS_UPPER, rows ? QON_BLAS_NO_TRANS : QON_BLAS_TRANS, q, len, 1.0, D,
                         ld, 1.0, s.M, q);
@@ -188,17 +200,46 @@ void accumulate(int thread, int nthreads, Run<T> *r) {
     if (r->matrix) std::fill(s.M, s.M + q * q, 0.0);
     const SumsFn<T> sums = sums_for<T>(r->K, r->w != nullptr);
     const int64_t block = r->method == Method::OnePass ? r->block : std::max<int64_t>(j1 - j0, 1);
+    auto add_weights = [&](MomentState &to, int64_t b, int64_t e) {
+        if (r->w == nullptr) {
+            to.W += static_cast<double>(e - b);
+            to.W2 += static_cast<double>(e - b);
+        }
+        for (int64_t j = b; r->w != nullptr && j < e; ++j) {
+            const double wj = static_cast<double>(r->w[j]);
+            to.W += wj;
+            to.W2 += wj * wj;
+        }
+    };
+    if (r->storage == kStorageRows && !r->matrix && r->method == Method::OnePass) {
+        // Variables are independent here: run along each variable's observations in turn, one
+        // contiguous stream at a time, moving its origin after every block.
+        for (int64_t v = 0; v < q; ++v) {
+            MomentState one = s;
+            one.W = one.W2 = 0;
+            one.o = s.o + v;
+            for (int k = 0; k < r->K; ++k) one.U[k] = s.U[k] + v;
+            Run<T> single = *r;
+            single.vars = r->vars + v;
+            single.q = 1;
+            for (int64_t b = j0; b < j1; b += block) {
+                const int64_t e = std::min(b + block, j1);
+                sums(single, one, nullptr, b, e);
+                add_weights(one, b, e);
+                if (one.W != 0) centre_variable(one, 0, r->K);
+            }
+            s.W = one.W;
+            s.W2 = one.W2;
+        }
+        return;
+    }
     for (int64_t b = j0; b < j1; b += block) {
         const int64_t e = std::min(b + block, j1);
         sums(*r, s, r->row[thread], b, e);
         if (r->matrix)
             for (int64_t mb = b; mb < e; mb += r->mblock)
                 matrix_block(*r, s, r->D[thread], r->E[thread], mb, std::min(mb + r->mblock, e));
-        for (int64_t j = b; j < e; ++j) {
-            const double wj = r->w != nullptr ? static_cast<double>(r->w[j]) : 1.0;
-            s.W += wj;
-            s.W2 += wj * wj;
-        }
+        add_weights(s, b, e);
         if (r->method == Method::OnePass) centre(s, q, r->K, r->matrix, true);
     }
     if (r->method == Method::Fast) centre(s, q, r->K, r->matrix, true);

@@ -67,17 +67,18 @@ inline void settle(MomentState &s, int64_t v, int K, double W, double t, const d
     if (K >= 4) s.U[3][v] = S[3] + 4 * r * S[2] + 6 * r * r * S[1] + W * r * r * r * r;
 }
 
+inline void centre_variable(MomentState &s, int64_t v, int K) {
+    const double c = s.U[0][v] / s.W;
+    double S[4] = {0, 0, 0, 0};
+    central_sums(s, v, K, c, S);
+    settle(s, v, K, s.W, c, S);
+}
+
 inline void centre(MomentState &s, int64_t q, int K, bool matrix, bool worker) {
     if (s.W == 0) return;
-    const double inv = 1.0 / s.W;
     if (matrix)
-        (worker ? qon_blas_xdsyr : qon_blas_dsyr)(QON_BLAS_ROW_MAJOR, QON_BLAS_UPPER, q, -inv, s.U[0], 1, s.M, q);
-    for (int64_t v = 0; v < q; ++v) {
-        const double c = s.U[0][v] * inv;
-        double S[4] = {0, 0, 0, 0};
-        central_sums(s, v, K, c, S);
-        settle(s, v, K, s.W, c, S);
-    }
+        (worker ? qon_blas_xdsyr : qon_blas_dsyr)(QON_BLAS_ROW_MAJOR, QON_BLAS_UPPER, q, -1.0 / s.W, s.U[0], 1, s.M, q);
+    for (int64_t v = 0; v < q; ++v) centre_variable(s, v, K);
 }
 
 inline void copy_state(MomentState &a, const MomentState &b, int64_t q, int K, bool matrix) {
