@@ -1,0 +1,364 @@
+// The vector layer of the vector-math kernels: named inline operations over AVX2/FMA with
+// overloads on distinct types, so that one kernel template serves every width.
+//
+//   VD  four doubles      MD  its lane mask     QD  its lanes as 64-bit integers
+//   VF  eight floats      MF  its lane mask     QF  its lanes as 32-bit integers
+//   double, float         the one-lane forms: mask bool, integers std::uint64_t, std::uint32_t
+//
+// A method written as `template <class V> V f(V x)` against these operations compiles for VD and
+// VF (the kernel's main loop and masked tail) and for double and float (a same-algorithm
+// reference, or a scalar fallback that must give bit-identical results). Traits<V> gives the
+// element type T, the mask M, the integer lanes Q and the lane count.
+//
+// Operations (V a vector or one-lane type, M its mask, Q its integer lanes):
+//   splat<V>(t), constant<V>(bits)             broadcast a value, or a value given by its bits
+//   load<V>(p), store(p, v)                    unaligned full-width access
+//   first_lanes<V>(m), load_first<V>(p, m), store_first(p, v, m)
+//                                              the first m lanes only (0 <= m <= lanes); the
+//                                              other lanes of a load read as 0, of a store stay
+//   + - * / , mul_add(a,b,c) = a*b+c, mul_sub = a*b-c, neg_mul_add = c-a*b (one rounding)
+//   abs, sqrt, min, max, round_nearest, floor, trunc
+//   lt le gt ge eq ne (ordered), gt_or_nan (a > b or unordered), is_nan
+//   mask_or, mask_and, mask_andnot(a, b) = a & ~b, any(m), lane_bits(m) (bit i = lane i),
+//   select(m, a, b) (a where m, else b)
+//   bits(v) -> Q, from_bits(q) -> V; for Q: + - & | ^, shl<k>, shr<k> (logical), int_gt(a, b)
+//   (signed, as a mask of V), splat_q<V>(i)
+//   gather<S>(base, q)                         lane i reads the T at byte base + q[i]*S
+//   gather_pairs<S>(base, q, first, second)    lane i reads the two doubles there
+//   Double pieces of floats: to_double_lo/hi(VF) -> VD, to_float(VD lo, VD hi) -> VF,
+//   and in_double(x, f): f applied to the float lanes widened to double, rounded back once.
+#pragma once
+
+#include <immintrin.h>
+
+#include <bit>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+
+namespace qon::simd {
+
+struct VD { __m256d v; };
+struct VF { __m256 v; };
+struct MD { __m256d v; };
+struct MF { __m256 v; };
+struct QD { __m256i v; };
+struct QF { __m256i v; };
+
+template <class V>
+struct Traits;
+template <>
+struct Traits<VD> {
+    using T = double;
+    using M = MD;
+    using Q = QD;
+    using U = std::uint64_t;
+    static constexpr int lanes = 4;
+};
+template <>
+struct Traits<VF> {
+    using T = float;
+    using M = MF;
+    using Q = QF;
+    using U = std::uint32_t;
+    static constexpr int lanes = 8;
+};
+template <>
+struct Traits<double> {
+    using T = double;
+    using M = bool;
+    using Q = std::uint64_t;
+    using U = std::uint64_t;
+    static constexpr int lanes = 1;
+};
+template <>
+struct Traits<float> {
+    using T = float;
+    using M = bool;
+    using Q = std::uint32_t;
+    using U = std::uint32_t;
+    static constexpr int lanes = 1;
+};
+template <class V>
+using Elem = typename Traits<V>::T;
+template <class V>
+using Mask = typename Traits<V>::M;
+template <class V>
+using Ints = typename Traits<V>::Q;
+template <class V>
+inline constexpr int lanes = Traits<V>::lanes;
+
+// The full-width vector of an element type.
+template <class T>
+struct WideOf;
+template <>
+struct WideOf<double> { using type = VD; };
+template <>
+struct WideOf<float> { using type = VF; };
+template <class T>
+using Wide = typename WideOf<T>::type;
+
+// ---- broadcast, loads and stores -------------------------------------------------------------
+
+template <class V>
+inline V splat(Elem<V> t) {
+    if constexpr (std::is_same_v<V, VD>) return {_mm256_set1_pd(t)};
+    else if constexpr (std::is_same_v<V, VF>) return {_mm256_set1_ps(t)};
+    else return t;
+}
+template <class V>
+inline V constant(typename Traits<V>::U b) {
+    return splat<V>(std::bit_cast<Elem<V>>(b));
+}
+template <class V>
+inline Ints<V> splat_q(typename Traits<V>::U i) {
+    if constexpr (std::is_same_v<V, VD>) return {_mm256_set1_epi64x(static_cast<long long>(i))};
+    else if constexpr (std::is_same_v<V, VF>) return {_mm256_set1_epi32(static_cast<int>(i))};
+    else return i;
+}
+
+template <class V>
+inline V load(const Elem<V> *p) {
+    if constexpr (std::is_same_v<V, VD>) return {_mm256_loadu_pd(p)};
+    else if constexpr (std::is_same_v<V, VF>) return {_mm256_loadu_ps(p)};
+    else return *p;
+}
+inline void store(double *p, VD v) { _mm256_storeu_pd(p, v.v); }
+inline void store(float *p, VF v) { _mm256_storeu_ps(p, v.v); }
+inline void store(double *p, double v) { *p = v; }
+inline void store(float *p, float v) { *p = v; }
+
+// Rows of all-ones lanes: eight 32-bit words of -1 followed by eight of 0; the window that
+// starts 8 - m words before the zeros has its first m words set (2m for 64-bit lanes).
+alignas(64) inline constexpr std::int32_t lane_rows[16] = {-1, -1, -1, -1, -1, -1, -1, -1, 0, 0, 0, 0, 0, 0, 0, 0};
+
+template <class V>
+inline Mask<V> first_lanes(int m) {
+    if constexpr (std::is_same_v<V, VD>)
+        return {_mm256_castsi256_pd(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(lane_rows + 8 - 2 * m)))};
+    else if constexpr (std::is_same_v<V, VF>)
+        return {_mm256_castsi256_ps(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(lane_rows + 8 - m)))};
+    else return m > 0;
+}
+template <class V>
+inline V load_first(const Elem<V> *p, int m) {
+    if constexpr (std::is_same_v<V, VD>) return {_mm256_maskload_pd(p, _mm256_castpd_si256(first_lanes<VD>(m).v))};
+    else if constexpr (std::is_same_v<V, VF>) return {_mm256_maskload_ps(p, _mm256_castps_si256(first_lanes<VF>(m).v))};
+    else return m > 0 ? *p : Elem<V>(0);
+}
+inline void store_first(double *p, VD v, int m) {
+    _mm256_maskstore_pd(p, _mm256_castpd_si256(first_lanes<VD>(m).v), v.v);
+}
+inline void store_first(float *p, VF v, int m) {
+    _mm256_maskstore_ps(p, _mm256_castps_si256(first_lanes<VF>(m).v), v.v);
+}
+template <class T>
+inline void store_first(T *p, T v, int m) {
+    if (m > 0) *p = v;
+}
+
+// ---- arithmetic ------------------------------------------------------------------------------
+
+inline VD operator+(VD a, VD b) { return {_mm256_add_pd(a.v, b.v)}; }
+inline VD operator-(VD a, VD b) { return {_mm256_sub_pd(a.v, b.v)}; }
+inline VD operator*(VD a, VD b) { return {_mm256_mul_pd(a.v, b.v)}; }
+inline VD operator/(VD a, VD b) { return {_mm256_div_pd(a.v, b.v)}; }
+inline VF operator+(VF a, VF b) { return {_mm256_add_ps(a.v, b.v)}; }
+inline VF operator-(VF a, VF b) { return {_mm256_sub_ps(a.v, b.v)}; }
+inline VF operator*(VF a, VF b) { return {_mm256_mul_ps(a.v, b.v)}; }
+inline VF operator/(VF a, VF b) { return {_mm256_div_ps(a.v, b.v)}; }
+
+inline VD mul_add(VD a, VD b, VD c) { return {_mm256_fmadd_pd(a.v, b.v, c.v)}; }
+inline VD mul_sub(VD a, VD b, VD c) { return {_mm256_fmsub_pd(a.v, b.v, c.v)}; }
+inline VD neg_mul_add(VD a, VD b, VD c) { return {_mm256_fnmadd_pd(a.v, b.v, c.v)}; }
+inline VF mul_add(VF a, VF b, VF c) { return {_mm256_fmadd_ps(a.v, b.v, c.v)}; }
+inline VF mul_sub(VF a, VF b, VF c) { return {_mm256_fmsub_ps(a.v, b.v, c.v)}; }
+inline VF neg_mul_add(VF a, VF b, VF c) { return {_mm256_fnmadd_ps(a.v, b.v, c.v)}; }
+template <class T>
+inline T mul_add(T a, T b, T c) requires std::is_floating_point_v<T> { return std::fma(a, b, c); }
+template <class T>
+inline T mul_sub(T a, T b, T c) requires std::is_floating_point_v<T> { return std::fma(a, b, -c); }
+template <class T>
+inline T neg_mul_add(T a, T b, T c) requires std::is_floating_point_v<T> { return std::fma(-a, b, c); }
+
+inline VD abs(VD a) { return {_mm256_andnot_pd(_mm256_set1_pd(-0.0), a.v)}; }
+inline VF abs(VF a) { return {_mm256_andnot_ps(_mm256_set1_ps(-0.0f), a.v)}; }
+inline VD sqrt(VD a) { return {_mm256_sqrt_pd(a.v)}; }
+inline VF sqrt(VF a) { return {_mm256_sqrt_ps(a.v)}; }
+inline VD min(VD a, VD b) { return {_mm256_min_pd(a.v, b.v)}; }
+inline VF min(VF a, VF b) { return {_mm256_min_ps(a.v, b.v)}; }
+inline VD max(VD a, VD b) { return {_mm256_max_pd(a.v, b.v)}; }
+inline VF max(VF a, VF b) { return {_mm256_max_ps(a.v, b.v)}; }
+inline VD round_nearest(VD a) { return {_mm256_round_pd(a.v, _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC)}; }
+inline VF round_nearest(VF a) { return {_mm256_round_ps(a.v, _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC)}; }
+inline VD floor(VD a) { return {_mm256_round_pd(a.v, _MM_FROUND_TO_NEG_INF | _MM_FROUND_NO_EXC)}; }
+inline VF floor(VF a) { return {_mm256_round_ps(a.v, _MM_FROUND_TO_NEG_INF | _MM_FROUND_NO_EXC)}; }
+inline VD trunc(VD a) { return {_mm256_round_pd(a.v, _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC)}; }
+inline VF trunc(VF a) { return {_mm256_round_ps(a.v, _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC)}; }
+template <class T>
+inline T abs(T a) requires std::is_floating_point_v<T> { return std::fabs(a); }
+template <class T>
+inline T sqrt(T a) requires std::is_floating_point_v<T> { return std::sqrt(a); }
+// min and max return b when either is NaN, as the vector instructions do.
+template <class T>
+inline T min(T a, T b) requires std::is_floating_point_v<T> { return a < b ? a : b; }
+template <class T>
+inline T max(T a, T b) requires std::is_floating_point_v<T> { return a > b ? a : b; }
+template <class T>
+inline T round_nearest(T a) requires std::is_floating_point_v<T> { return std::nearbyint(a); }
+template <class T>
+inline T floor(T a) requires std::is_floating_point_v<T> { return std::floor(a); }
+template <class T>
+inline T trunc(T a) requires std::is_floating_point_v<T> { return std::trunc(a); }
+
+// ---- comparisons and masks -------------------------------------------------------------------
+
+#define QON_SIMD_COMPARE(name, pred, op)                                                                    \
+    inline MD name(VD a, VD b) { return {_mm256_cmp_pd(a.v, b.v, pred)}; }                                   \
+    inline MF name(VF a, VF b) { return {_mm256_cmp_ps(a.v, b.v, pred)}; }                                   \
+    template <class T>                                                                                       \
+    inline bool name(T a, T b) requires std::is_floating_point_v<T> { return op; }
+QON_SIMD_COMPARE(lt, _CMP_LT_OQ, a < b)
+QON_SIMD_COMPARE(le, _CMP_LE_OQ, a <= b)
+QON_SIMD_COMPARE(gt, _CMP_GT_OQ, a > b)
+QON_SIMD_COMPARE(ge, _CMP_GE_OQ, a >= b)
+QON_SIMD_COMPARE(eq, _CMP_EQ_OQ, a == b)
+QON_SIMD_COMPARE(ne, _CMP_NEQ_UQ, a != b)
+QON_SIMD_COMPARE(gt_or_nan, _CMP_NLE_UQ, !(a <= b))
+#undef QON_SIMD_COMPARE
+template <class V>
+inline Mask<V> is_nan(V a) {
+    if constexpr (lanes<V> == 1) return a != a;
+    else return ne(a, a);
+}
+
+inline MD mask_or(MD a, MD b) { return {_mm256_or_pd(a.v, b.v)}; }
+inline MF mask_or(MF a, MF b) { return {_mm256_or_ps(a.v, b.v)}; }
+inline bool mask_or(bool a, bool b) { return a || b; }
+inline MD mask_and(MD a, MD b) { return {_mm256_and_pd(a.v, b.v)}; }
+inline MF mask_and(MF a, MF b) { return {_mm256_and_ps(a.v, b.v)}; }
+inline bool mask_and(bool a, bool b) { return a && b; }
+inline MD mask_andnot(MD a, MD b) { return {_mm256_andnot_pd(b.v, a.v)}; }
+inline MF mask_andnot(MF a, MF b) { return {_mm256_andnot_ps(b.v, a.v)}; }
+inline bool mask_andnot(bool a, bool b) { return a && !b; }
+inline unsigned lane_bits(MD m) { return static_cast<unsigned>(_mm256_movemask_pd(m.v)); }
+inline unsigned lane_bits(MF m) { return static_cast<unsigned>(_mm256_movemask_ps(m.v)); }
+inline unsigned lane_bits(bool m) { return m ? 1u : 0u; }
+inline bool any(MD m) { return !_mm256_testz_pd(m.v, m.v); }
+inline bool any(MF m) { return !_mm256_testz_ps(m.v, m.v); }
+inline bool any(bool m) { return m; }
+inline VD select(MD m, VD a, VD b) { return {_mm256_blendv_pd(b.v, a.v, m.v)}; }
+inline VF select(MF m, VF a, VF b) { return {_mm256_blendv_ps(b.v, a.v, m.v)}; }
+template <class T>
+inline T select(bool m, T a, T b) { return m ? a : b; }
+
+// ---- integer lanes ---------------------------------------------------------------------------
+
+inline QD bits(VD a) { return {_mm256_castpd_si256(a.v)}; }
+inline QF bits(VF a) { return {_mm256_castps_si256(a.v)}; }
+inline std::uint64_t bits(double a) { return std::bit_cast<std::uint64_t>(a); }
+inline std::uint32_t bits(float a) { return std::bit_cast<std::uint32_t>(a); }
+inline VD from_bits(QD a) { return {_mm256_castsi256_pd(a.v)}; }
+inline VF from_bits(QF a) { return {_mm256_castsi256_ps(a.v)}; }
+inline double from_bits(std::uint64_t a) { return std::bit_cast<double>(a); }
+inline float from_bits(std::uint32_t a) { return std::bit_cast<float>(a); }
+
+inline QD operator+(QD a, QD b) { return {_mm256_add_epi64(a.v, b.v)}; }
+inline QD operator-(QD a, QD b) { return {_mm256_sub_epi64(a.v, b.v)}; }
+inline QF operator+(QF a, QF b) { return {_mm256_add_epi32(a.v, b.v)}; }
+inline QF operator-(QF a, QF b) { return {_mm256_sub_epi32(a.v, b.v)}; }
+inline QD operator&(QD a, QD b) { return {_mm256_and_si256(a.v, b.v)}; }
+inline QF operator&(QF a, QF b) { return {_mm256_and_si256(a.v, b.v)}; }
+inline QD operator|(QD a, QD b) { return {_mm256_or_si256(a.v, b.v)}; }
+inline QF operator|(QF a, QF b) { return {_mm256_or_si256(a.v, b.v)}; }
+inline QD operator^(QD a, QD b) { return {_mm256_xor_si256(a.v, b.v)}; }
+inline QF operator^(QF a, QF b) { return {_mm256_xor_si256(a.v, b.v)}; }
+template <int k>
+inline QD shl(QD a) { return {_mm256_slli_epi64(a.v, k)}; }
+template <int k>
+inline QF shl(QF a) { return {_mm256_slli_epi32(a.v, k)}; }
+template <int k, class U>
+inline U shl(U a) requires std::is_unsigned_v<U> { return static_cast<U>(a << k); }
+template <int k>
+inline QD shr(QD a) { return {_mm256_srli_epi64(a.v, k)}; }
+template <int k>
+inline QF shr(QF a) { return {_mm256_srli_epi32(a.v, k)}; }
+template <int k, class U>
+inline U shr(U a) requires std::is_unsigned_v<U> { return static_cast<U>(a >> k); }
+inline MD int_gt(QD a, QD b) { return {_mm256_castsi256_pd(_mm256_cmpgt_epi64(a.v, b.v))}; }
+inline MF int_gt(QF a, QF b) { return {_mm256_castsi256_ps(_mm256_cmpgt_epi32(a.v, b.v))}; }
+template <class U>
+inline bool int_gt(U a, U b) requires std::is_unsigned_v<U> {
+    return static_cast<std::make_signed_t<U>>(a) > static_cast<std::make_signed_t<U>>(b);
+}
+
+// ---- table lookup ----------------------------------------------------------------------------
+
+template <int S>
+inline VD gather(const double *base, QD q) { return {_mm256_i64gather_pd(base, q.v, S)}; }
+// The same with one scalar load per lane.
+template <int S>
+inline VD lookup(const double *base, QD q) {
+    const char *b = reinterpret_cast<const char *>(base);
+    alignas(32) std::int64_t o[4];
+    _mm256_store_si256(reinterpret_cast<__m256i *>(o), q.v);
+    const __m128d l = _mm_loadh_pd(_mm_load_sd(reinterpret_cast<const double *>(b + o[0] * S)),
+                                   reinterpret_cast<const double *>(b + o[1] * S));
+    const __m128d h = _mm_loadh_pd(_mm_load_sd(reinterpret_cast<const double *>(b + o[2] * S)),
+                                   reinterpret_cast<const double *>(b + o[3] * S));
+    return {_mm256_insertf128_pd(_mm256_castpd128_pd256(l), h, 1)};
+}
+template <int S>
+inline VF gather(const float *base, QF q) { return {_mm256_i32gather_ps(base, q.v, S)}; }
+template <int S, class T, class U>
+inline T gather(const T *base, U q) requires std::is_unsigned_v<U> {
+    T t;
+    std::memcpy(&t, reinterpret_cast<const char *>(base) + static_cast<std::size_t>(q) * S, sizeof t);
+    return t;
+}
+
+// Lane i of first and second read the two doubles at byte base + q[i]*S: pairs stored side by
+// side, fetched with one 16-byte load per lane (cheaper than two gathers).
+template <int S>
+inline void gather_pairs(const double *base, QD q, VD &first, VD &second) {
+    const char *b = reinterpret_cast<const char *>(base);
+    alignas(32) std::int64_t o[4];
+    _mm256_store_si256(reinterpret_cast<__m256i *>(o), q.v);
+    const __m256d a = _mm256_insertf128_pd(
+        _mm256_castpd128_pd256(_mm_loadu_pd(reinterpret_cast<const double *>(b + o[0] * S))),
+        _mm_loadu_pd(reinterpret_cast<const double *>(b + o[2] * S)), 1);  // lanes 0, 2
+    const __m256d c = _mm256_insertf128_pd(
+        _mm256_castpd128_pd256(_mm_loadu_pd(reinterpret_cast<const double *>(b + o[1] * S))),
+        _mm_loadu_pd(reinterpret_cast<const double *>(b + o[3] * S)), 1);  // lanes 1, 3
+    first.v = _mm256_unpacklo_pd(a, c);
+    second.v = _mm256_unpackhi_pd(a, c);
+}
+template <int S>
+inline void gather_pairs(const double *base, std::uint64_t q, double &first, double &second) {
+    const char *b = reinterpret_cast<const char *>(base) + static_cast<std::size_t>(q) * S;
+    std::memcpy(&first, b, sizeof first);
+    std::memcpy(&second, b + sizeof first, sizeof second);
+}
+template <int S, class T, class U>
+inline T lookup(const T *base, U q) requires std::is_unsigned_v<U> { return gather<S>(base, q); }
+
+// ---- floats through double -------------------------------------------------------------------
+
+inline VD to_double_lo(VF a) { return {_mm256_cvtps_pd(_mm256_castps256_ps128(a.v))}; }
+inline VD to_double_hi(VF a) { return {_mm256_cvtps_pd(_mm256_extractf128_ps(a.v, 1))}; }
+inline VF to_float(VD lo, VD hi) {
+    return {_mm256_insertf128_ps(_mm256_castps128_ps256(_mm256_cvtpd_ps(lo.v)), _mm256_cvtpd_ps(hi.v), 1)};
+}
+
+// f (a template over the double type) applied to each float lane in double precision and
+// rounded once back to float.
+template <class F>
+inline VF in_double(VF x, F f) {
+    return to_float(f(to_double_lo(x)), f(to_double_hi(x)));
+}
+template <class F>
+inline float in_double(float x, F f) {
+    return static_cast<float>(f(static_cast<double>(x)));
+}
+
+}  // namespace qon::simd
