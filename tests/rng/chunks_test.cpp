@@ -5,7 +5,9 @@
 
 #include "rng/stream.hpp"
 
+#include <atomic>
 #include <cstring>
+#include <thread>
 
 using namespace rngtest;
 
@@ -157,4 +159,39 @@ TEST(Chunks, ReferenceCountingByKey) {
     EXPECT_EQ(rokFindGlobRODataTableEntry(key, nullptr), nullptr);
     EXPECT_EQ(rokUnregisterGlobRODataReference(key), 0);
     EXPECT_EQ(rokRegisterGlobRODataReference(key), nullptr);
+}
+
+// Streams on several threads attach, copy and release the same keyed data at once: every
+// reference is counted under the spin lock, so the entry lives exactly as long as a holder.
+TEST(Chunks, SharedEntryUnderConcurrentUse) {
+    TableGuard guard;
+    auto owner = bare_stream();
+    uint64_t key[2];
+    rokGenerateNewGlobalRODataTableEntryId(key, owner.get());
+    void *data = bytes(256, 9);
+    ASSERT_EQ(rokAddChunk(owner.get(), 4, key, data, 256), ROK_STATUS_OK);
+    const int rounds = quick() ? 200 : 2000;
+    std::vector<std::thread> threads;
+    std::atomic<int> wrong{0};
+    for (int t = 0; t < 4; ++t) {
+        threads.emplace_back([&] {
+            for (int i = 0; i < rounds; ++i) {
+                RokStream *s = nullptr;
+                if (rokNewStreamEx(&s, ROK_BRNG_MCG59, 0, nullptr) != ROK_STATUS_OK) ++wrong;
+                void *mine = bytes(256, 9);
+                rokAddChunk(s, 4, key, mine, 256);
+                if (rokSearchChunk(s, 4) != data) ++wrong;
+                qon_serv_deallocate(mine);
+                RokStream *c = nullptr;
+                if (rokCopyStream(&c, s) != ROK_STATUS_OK || rokSearchChunk(c, 4) != data) ++wrong;
+                rokDeleteStream(&c);
+                rokDeleteStream(&s);
+            }
+        });
+    }
+    for (auto &t : threads) t.join();
+    EXPECT_EQ(wrong.load(), 0);
+    EXPECT_EQ(rokFindGlobRODataTableEntry(key, nullptr), data);
+    owner.reset();
+    EXPECT_EQ(rokFindGlobRODataTableEntry(key, nullptr), nullptr);
 }
