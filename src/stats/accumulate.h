@@ -116,6 +116,50 @@ void sums_by_observation_row(const T *row, double wj, int64_t q, const double *o
     }
 }
 
+// Layout 0x20000 with all p variables, eight rows at a time: each strip of 4 sums is loaded once,
+// takes the eight rows' contributions and is stored once; the rows two groups ahead are fetched
+// into cache meanwhile.
+template <int K, bool Weighted, class T>
+void sums_by_observation_rows(const T *x, int64_t p, const T *w, int64_t j0, int64_t j1, const double *origin,
+                              double *const *sums) {
+    constexpr int R = 8;
+    double *U[K];
+    for (int k = 0; k < K; ++k) U[k] = sums[k];
+    int64_t j = j0;
+    for (; j + R <= j1; j += R) {
+        const T *row = x + j * p;
+        __m256d wr[R];
+        for (int r = 0; r < R; ++r) wr[r] = _mm256_set1_pd(Weighted ? static_cast<double>(w[j + r]) : 1.0);
+        int64_t v = 0;
+        const T *ahead = row + (j + 3 * R <= j1 ? 2 * R * p : 0);
+        for (; v + 4 <= p; v += 4) {
+            if ((v * sizeof(T)) % 64 == 0)
+                for (int r = 0; r < R; ++r) _mm_prefetch(reinterpret_cast<const char *>(ahead + r * p + v), _MM_HINT_T0);
+            const __m256d o = _mm256_loadu_pd(origin + v);
+            __m256d a[K];
+            for (int k = 0; k < K; ++k) a[k] = _mm256_loadu_pd(U[k] + v);
+            for (int r = 0; r < R; ++r) {
+                const __m256d d = _mm256_sub_pd(load4(row + r * p + v), o);
+                if constexpr (Weighted)
+                    add_powers<K>(d, wr[r], a);
+                else
+                    add_powers<K>(d, a);
+            }
+            for (int k = 0; k < K; ++k) _mm256_storeu_pd(U[k] + v, a[k]);
+        }
+        for (; v < p; ++v) {
+            double a[K];
+            for (int k = 0; k < K; ++k) a[k] = U[k][v];
+            for (int r = 0; r < R; ++r)
+                add_powers<K>(static_cast<double>(row[r * p + v]) - origin[v],
+                              Weighted ? static_cast<double>(w[j + r]) : 1.0, a);
+            for (int k = 0; k < K; ++k) U[k][v] = a[k];
+        }
+    }
+    for (; j < j1; ++j)
+        sums_by_observation_row<K, Weighted, T>(x + j * p, Weighted ? static_cast<double>(w[j]) : 1.0, p, origin, U);
+}
+
 inline __m256d load4_masked(const double *p, __m256i mask) { return _mm256_maskload_pd(p, mask); }
 inline __m256d load4_masked(const float *p, __m256i mask) {
     const __m128i m32 = _mm256_castsi256_si128(_mm256_permutevar8x32_epi32(mask, _mm256_setr_epi32(0, 2, 4, 6, 0, 0, 0, 0)));

@@ -138,13 +138,15 @@ void sums_block(const Run<T> &r, MomentState &s, T *row_buf, int64_t b, int64_t 
             default: sums_short_rows<K, Weighted, T, 4>(r.x, r.p, r.w, b, e, s.o, s.U); return;
         }
     }
+    if (r.identity) {
+        sums_by_observation_rows<K, Weighted, T>(r.x, r.p, r.w, b, e, s.o, s.U);
+        return;
+    }
+    // A selection of variables: gather each row's selected variables first.
     for (int64_t j = b; j < e; ++j) {
         const T *row = r.x + j * r.p;
-        if (!r.identity) {
-            for (int64_t v = 0; v < r.q; ++v) row_buf[v] = row[r.vars[v]];
-            row = row_buf;
-        }
-        sums_by_observation_row<K, Weighted, T>(row, Weighted ? static_cast<double>(r.w[j]) : 1.0, r.q, s.o, s.U);
+        for (int64_t v = 0; v < r.q; ++v) row_buf[v] = row[r.vars[v]];
+        sums_by_observation_row<K, Weighted, T>(row_buf, Weighted ? static_cast<double>(r.w[j]) : 1.0, r.q, s.o, s.U);
     }
 }
 

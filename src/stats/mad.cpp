@@ -76,7 +76,7 @@ void mad_worker(int thread, int nthreads, MadRun<T> *r) {
         const T *base = r->x + i * r->obs.stride_var;
         for (int64_t j = 0; j < n; ++j) values[j] = base[j * r->obs.stride_obs];
         if (r->median_based) {
-            for (int64_t j = 0; j < n; ++j) keys[j] = to_key(values[j]);
+            copy_keys(values, n, keys);
             const T m = median_of<T>(keys, n, fixed);
             for (int64_t j = 0; j < n; ++j) keys[j] = to_key(std::fabs(values[j] - m));
             static_cast<T *>(r->task->mdad)[i] = median_of<T>(keys, n, fixed);

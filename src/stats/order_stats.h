@@ -30,29 +30,53 @@ struct OrderRun {
     int64_t stats_sv = 0, stats_so = 0;
 };
 
+// Orders the run of block variable b (already holding its keys) and writes its results.
+template <class T>
+void process_run(OrderRun<T> *r, int thread, int64_t b) {
+    using K = KeyOf<T>;
+    const int64_t n = r->obs.n, i = r->vars[r->first + b];
+    K *run = r->block + b * n;
+    if (r->stats == nullptr) {
+        select_quantiles<T>(run, n, r->orders, r->m, r->quants + i * r->m, r->fixed + thread * 2 * r->m);
+        return;
+    }
+    K *sorted = run;
+    if (n <= kRadixMaxLength)
+        radix_sort(run, r->tmp + thread * n, n, &sorted);
+    else
+        quick_sort(run, n);
+    scatter_values<T>(sorted, n, r->stats, r->stats_sv, r->stats_so, i);
+    if (r->quants != nullptr)
+        for (int64_t j = 0; j < r->m; ++j)
+            r->quants[i * r->m + j] = quantile_of_sorted<T>(sorted, n, static_cast<double>(r->orders[j]));
+}
+
 template <class T>
 void order_worker(int thread, int nthreads, OrderRun<T> *r) {
-    using K = KeyOf<T>;
     const int64_t n = r->obs.n;
     const int64_t per = (r->count + nthreads - 1) / nthreads;
     const int64_t b0 = std::min(r->count, thread * per), b1 = std::min(r->count, b0 + per);
-    for (int64_t b = b0; b < b1; ++b) {
-        const int64_t i = r->vars[r->first + b];
-        K *run = r->block + b * n;
-        gather_keys(r->x, r->obs.stride_var, r->obs.stride_obs, i, n, run);
-        if (r->stats == nullptr) {
-            select_quantiles<T>(run, n, r->orders, r->m, r->quants + i * r->m, r->fixed + thread * 2 * r->m);
-            continue;
+    // Variables in groups of 8: with observations contiguous by observation one pass over the rows
+    // gathers the whole group, so that each cache line of a row serves 8 runs instead of one.
+    for (int64_t g = b0; g < b1; g += 8) {
+        const int64_t g1 = std::min<int64_t>(g + 8, b1);
+        if (r->obs.stride_obs == 1) {
+            for (int64_t b = g; b < g1; ++b)
+                copy_keys(r->x + r->vars[r->first + b] * r->obs.stride_var, n, r->block + b * n);
+        } else {
+            using K = KeyOf<T>;
+            K *runs[8];
+            const T *columns[8];
+            const int count = static_cast<int>(g1 - g);
+            for (int c = 0; c < count; ++c) {
+                runs[c] = r->block + (g + c) * n;
+                columns[c] = r->x + r->vars[r->first + g + c];
+            }
+            const int64_t stride = r->obs.stride_obs;
+            for (int64_t j = 0; j < n; ++j)
+                for (int c = 0; c < count; ++c) runs[c][j] = to_key(columns[c][j * stride]);
         }
-        K *sorted = run;
-        if (n <= kRadixMaxLength)
-            radix_sort(run, r->tmp + thread * n, n, &sorted);
-        else
-            quick_sort(run, n);
-        scatter_values<T>(sorted, n, r->stats, r->stats_sv, r->stats_so, i);
-        if (r->quants != nullptr)
-            for (int64_t j = 0; j < r->m; ++j)
-                r->quants[i * r->m + j] = quantile_of_sorted<T>(sorted, n, static_cast<double>(r->orders[j]));
+        for (int64_t b = g; b < g1; ++b) process_run(r, thread, b);
     }
 }
 

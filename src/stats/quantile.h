@@ -14,14 +14,10 @@
 
 namespace ss {
 
-// Keys of variable i: element j at x[i*sv + j*so].
+// Keys of a contiguous run of n values.
 template <class T>
-void gather_keys(const T *x, int64_t sv, int64_t so, int64_t i, int64_t n, KeyOf<T> *run) {
-    const T *base = x + i * sv;
-    if (so == 1)
-        for (int64_t j = 0; j < n; ++j) run[j] = to_key(base[j]);
-    else
-        for (int64_t j = 0; j < n; ++j) run[j] = to_key(base[j * so]);
+void copy_keys(const T *values, int64_t n, KeyOf<T> *run) {
+    for (int64_t j = 0; j < n; ++j) run[j] = to_key(values[j]);
 }
 
 template <class T>

@@ -47,15 +47,17 @@ struct Case {
     int64_t storage;
     bool weighted, selection;
     uint64_t method;
+    int64_t p = 5;
 };
 
 template <class T>
 void check_all(const Case &c) {
-    const int64_t p = 5, n = 777;
+    const int64_t p = c.p, n = 777;
     const auto base = make_data(p, n, 11 + c.storage + c.weighted);
     const auto x = relayout(base, p, n, c.storage);
     const auto w = make_weights(n, 5);
-    const std::vector<int> sel = {1, 0, 1, 1, 0};
+    std::vector<int> sel(p);
+    for (int64_t i = 0; i < p; ++i) sel[i] = i % 5 == 0 || i % 5 == 2 || i % 5 == 3;
     Task<T> t(p, n, c.storage, x, c.weighted ? w.data() : nullptr, c.selection ? &sel : nullptr);
     ASSERT_EQ(t.basic(kAllBasic, c.method), 0);
     // The oracle sees the data as the kernel does (rounded to T).
@@ -109,14 +111,15 @@ std::vector<Case> all_cases() {
         for (bool weighted : {false, true})
             for (bool selection : {false, true})
                 for (uint64_t method : {ROK_SS_METHOD_FAST, ROK_SS_METHOD_1PASS})
-                    cases.push_back({storage, weighted, selection, method});
+                    for (int64_t p : {5, 21}) cases.push_back({storage, weighted, selection, method, p});
     return cases;
 }
 
 INSTANTIATE_TEST_SUITE_P(Layouts, BasicAgainstOracle, testing::ValuesIn(all_cases()), [](const auto &info) {
     const Case &c = info.param;
     return std::string(c.storage == ROK_SS_MATRIX_STORAGE_ROWS ? "Rows" : "Cols") + (c.weighted ? "Weighted" : "") +
-           (c.selection ? "Selected" : "") + (c.method == ROK_SS_METHOD_FAST ? "Fast" : "OnePass");
+           (c.selection ? "Selected" : "") + (c.method == ROK_SS_METHOD_FAST ? "Fast" : "OnePass") + "P" +
+           std::to_string(c.p);
 });
 
 // Two calls on halves give what one call on the whole gives, for every method and layout.
