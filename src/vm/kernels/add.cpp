@@ -1,0 +1,16 @@
+// Add: a + b, correctly rounded; one kernel serves every accuracy. inf + (-inf) is a domain
+// error, an infinite sum of finite arguments an overflow; subnormal sums are exact and not
+// reported.
+#include "vm/kernels/elementary.hpp"
+
+namespace {
+struct Add {
+    template <int A, class T>
+    static int eval(T x, T y, T &r) {
+        r = x + y;
+        return qon::vm::elementary::classify(r, x, y);
+    }
+};
+}  // namespace
+
+QON_VM_REAL_KERNELS_SHARED(B, Add, Add)

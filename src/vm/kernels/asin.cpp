@@ -1,0 +1,17 @@
+// Asin: arcsine on [-1, 1].
+// HA evaluates the libm function of the next wider type and rounds once (within
+// 0.5 ulp plus 2^-11 ulp); LA and EP call the function of the element type (glibc: within 2 ulp).
+// |x| > 1 is a domain error.
+#include "vm/kernels/elementary.hpp"
+
+namespace {
+using namespace qon::vm::elementary;
+struct AsinF {
+    template <class W>
+    static W f(W w) {
+        return std::asin(w);
+    }
+};
+}  // namespace
+
+QON_VM_REAL_KERNELS(U, Asin, Libm<AsinF>)

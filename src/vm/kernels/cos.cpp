@@ -1,0 +1,17 @@
+// Cos: cosine, with libm's full-range argument reduction.
+// HA evaluates the libm function of the next wider type and rounds once (within
+// 0.5 ulp plus 2^-11 ulp); LA and EP call the function of the element type (glibc: within 2 ulp).
+// +-inf is a domain error.
+#include "vm/kernels/elementary.hpp"
+
+namespace {
+using namespace qon::vm::elementary;
+struct CosF {
+    template <class W>
+    static W f(W w) {
+        return std::cos(w);
+    }
+};
+}  // namespace
+
+QON_VM_REAL_KERNELS(U, Cos, Libm<CosF>)

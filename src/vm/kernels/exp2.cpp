@@ -1,0 +1,18 @@
+// Exp2: 2^x.
+// HA evaluates the libm function of the next wider type and rounds once (within
+// 0.5 ulp plus 2^-11 ulp); LA and EP call the function of the element type (glibc: within 2 ulp).
+// Overflow above the range, underflow where the result is subnormal or zero.
+#include "vm/kernels/elementary.hpp"
+
+namespace {
+using namespace qon::vm::elementary;
+struct Exp2F {
+    template <class W>
+    static W f(W w) {
+        return std::exp2(w);
+    }
+    static constexpr bool underflows = true;
+};
+}  // namespace
+
+QON_VM_REAL_KERNELS(U, Exp2, Libm<Exp2F>)

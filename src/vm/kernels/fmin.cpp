@@ -1,0 +1,15 @@
+// Fmin: the smaller of a and b; a NaN argument yields the other one (NaN only when both are);
+// exact, one kernel serves every accuracy, never reports.
+#include "vm/kernels/elementary.hpp"
+
+namespace {
+struct Fmin {
+    template <int A, class T>
+    static int eval(T x, T y, T &r) {
+        r = std::fmin(x, y);
+        return PAX_STATUS_OK;
+    }
+};
+}  // namespace
+
+QON_VM_REAL_KERNELS_SHARED(B, Fmin, Fmin)

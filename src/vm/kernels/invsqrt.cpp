@@ -1,0 +1,20 @@
+// InvSqrt: 1/sqrt(x). HA takes the quotient in the next wider type and rounds once (within
+// 0.5 ulp plus 2^-11 ulp); LA and EP divide in the element type (two roundings: within 1.5 ulp).
+// 1/sqrt(+-0) = +-inf is a singularity, x < 0 a domain error.
+#include "vm/kernels/elementary.hpp"
+
+namespace {
+using namespace qon::vm::elementary;
+struct InvSqrtF {
+    template <class W>
+    static W f(W w) {
+        return 1 / std::sqrt(w);
+    }
+    template <class T>
+    static bool pole(T x) {
+        return x == 0;
+    }
+};
+}  // namespace
+
+QON_VM_REAL_KERNELS(U, InvSqrt, Libm<InvSqrtF>)

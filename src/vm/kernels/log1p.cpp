@@ -1,0 +1,21 @@
+// Log1p: ln(1 + x), accurate near 0.
+// HA evaluates the libm function of the next wider type and rounds once (within
+// 0.5 ulp plus 2^-11 ulp); LA and EP call the function of the element type (glibc: within 2 ulp).
+// x < -1 is a domain error, x = -1 a singularity (-inf).
+#include "vm/kernels/elementary.hpp"
+
+namespace {
+using namespace qon::vm::elementary;
+struct Log1pF {
+    template <class W>
+    static W f(W w) {
+        return std::log1p(w);
+    }
+    template <class T>
+    static bool pole(T x) {
+        return x == -1;
+    }
+};
+}  // namespace
+
+QON_VM_REAL_KERNELS(U, Log1p, Libm<Log1pF>)

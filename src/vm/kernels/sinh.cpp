@@ -1,0 +1,17 @@
+// Sinh: hyperbolic sine.
+// HA evaluates the libm function of the next wider type and rounds once (within
+// 0.5 ulp plus 2^-11 ulp); LA and EP call the function of the element type (glibc: within 2 ulp).
+// Results beyond the range overflow.
+#include "vm/kernels/elementary.hpp"
+
+namespace {
+using namespace qon::vm::elementary;
+struct SinhF {
+    template <class W>
+    static W f(W w) {
+        return std::sinh(w);
+    }
+};
+}  // namespace
+
+QON_VM_REAL_KERNELS(U, Sinh, Libm<SinhF>)
