@@ -116,7 +116,8 @@ QON_API int32_t rokIsBrngValid(int32_t brng);
 QON_API int32_t rokGetNumRegBrngs(void);
 /* Copies the registry row of `brng`. */
 QON_API int32_t rokGetBrngProperties(int32_t brng, BrngProperties *properties);
-/* Appends a row and returns its id (> 0) or a negative status. Not thread-safe. */
+/* Appends a row and returns its id (> 0) or a negative status (ROK_ERROR_MEM once all 512
+ * rows of the table are taken). Not thread-safe: no other stream operation may run meanwhile. */
 QON_API int32_t rokRegisterBrng(const BrngProperties *properties);
 /* Makes the stream yield elements k, k + nstreams, k + 2 nstreams, ... of its sequence. */
 QON_API int32_t rokLeapfrogStream(RokStream *stream, int32_t k, int32_t nstreams);

@@ -140,6 +140,7 @@ QON_API int32_t rokRegisterBrng(const BrngProperties *p) {
     if (p->d_brng == nullptr || p->s_brng == nullptr || p->i_brng == nullptr || p->init_stream == nullptr)
         return ROK_ERROR_NULL_PTR;
     int32_t c = main_table.count;
+    if (c >= kTableRows) return ROK_ERROR_MEM;  // the table's 512 rows are all taken
     main_table.rows[c] = *p;
     main_table.subs[c] = 1;
     main_table.count = c + 1;
