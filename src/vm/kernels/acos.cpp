@@ -4,14 +4,4 @@
 // |x| > 1 is a domain error.
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-using namespace qon::vm::elementary;
-struct AcosF {
-    template <class W>
-    static W f(W w) {
-        return std::acos(w);
-    }
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS(U, Acos, Libm<AcosF>)
+QON_VM_REAL_LIBM(Acos, std::acos(w))

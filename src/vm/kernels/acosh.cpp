@@ -4,14 +4,4 @@
 // x < 1 is a domain error.
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-using namespace qon::vm::elementary;
-struct AcoshF {
-    template <class W>
-    static W f(W w) {
-        return std::acosh(w);
-    }
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS(U, Acosh, Libm<AcoshF>)
+QON_VM_REAL_LIBM(Acosh, std::acosh(w))

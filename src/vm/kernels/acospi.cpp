@@ -3,14 +3,4 @@
 // (arccosine, pi and quotient each within an ulp: within 3 ulp). |x| > 1 is a domain error.
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-using namespace qon::vm::elementary;
-struct AcospiF {
-    template <class W>
-    static W f(W w) {
-        return std::acos(w) / pi<W>;
-    }
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS(U, Acospi, Libm<AcospiF>)
+QON_VM_REAL_LIBM(Acospi, std::acos(w) / pi<T>)

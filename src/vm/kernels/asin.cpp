@@ -4,14 +4,4 @@
 // |x| > 1 is a domain error.
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-using namespace qon::vm::elementary;
-struct AsinF {
-    template <class W>
-    static W f(W w) {
-        return std::asin(w);
-    }
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS(U, Asin, Libm<AsinF>)
+QON_VM_REAL_LIBM(Asin, std::asin(w))

@@ -3,14 +3,4 @@
 // 0.5 ulp plus 2^-11 ulp); LA and EP call the function of the element type (glibc: within 2 ulp).
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-using namespace qon::vm::elementary;
-struct AsinhF {
-    template <class W>
-    static W f(W w) {
-        return std::asinh(w);
-    }
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS(U, Asinh, Libm<AsinhF>)
+QON_VM_REAL_LIBM(Asinh, std::asinh(w))

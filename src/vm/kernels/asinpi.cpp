@@ -3,15 +3,4 @@
 // 3 ulp). |x| > 1 is a domain error; tiny results from normal arguments underflow.
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-using namespace qon::vm::elementary;
-struct AsinpiF {
-    template <class W>
-    static W f(W w) {
-        return std::asin(w) / pi<W>;
-    }
-    static constexpr bool underflows = true;
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS(U, Asinpi, Libm<AsinpiF>)
+QON_VM_REAL_LIBM(Asinpi, std::asin(w) / pi<T>, QON_VM_UNDERFLOWS)

@@ -4,15 +4,4 @@
 // element type's (glibc: within 2 ulp). A tiny angle from normal arguments underflows.
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-using namespace qon::vm::elementary;
-struct Atan2F {
-    template <class W>
-    static W f(W y, W x) {
-        return std::atan2(y, x);
-    }
-    static constexpr bool underflows = true;
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS(B, Atan2, Libm2<Atan2F>)
+QON_VM_REAL_LIBM2(Atan2, std::atan2(u, v), QON_VM_UNDERFLOWS)

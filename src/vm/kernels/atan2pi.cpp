@@ -4,15 +4,4 @@
 // A tiny result from normal arguments underflows.
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-using namespace qon::vm::elementary;
-struct Atan2piF {
-    template <class W>
-    static W f(W y, W x) {
-        return std::atan2(y, x) / pi<W>;
-    }
-    static constexpr bool underflows = true;
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS(B, Atan2pi, Libm2<Atan2piF>)
+QON_VM_REAL_LIBM2(Atan2pi, std::atan2(u, v) / pi<T>, QON_VM_UNDERFLOWS)

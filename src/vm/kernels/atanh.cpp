@@ -4,18 +4,4 @@
 // |x| > 1 is a domain error, x = +-1 a singularity (+-inf).
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-using namespace qon::vm::elementary;
-struct AtanhF {
-    template <class W>
-    static W f(W w) {
-        return std::atanh(w);
-    }
-    template <class T>
-    static bool pole(T x) {
-        return std::fabs(x) == 1;
-    }
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS(U, Atanh, Libm<AtanhF>)
+QON_VM_REAL_LIBM(Atanh, std::atanh(w), QON_VM_POLE(std::fabs(x) == 1))

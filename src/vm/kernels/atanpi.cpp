@@ -3,15 +3,4 @@
 // Tiny results from normal arguments underflow.
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-using namespace qon::vm::elementary;
-struct AtanpiF {
-    template <class W>
-    static W f(W w) {
-        return std::atan(w) / pi<W>;
-    }
-    static constexpr bool underflows = true;
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS(U, Atanpi, Libm<AtanpiF>)
+QON_VM_REAL_LIBM(Atanpi, std::atan(w) / pi<T>, QON_VM_UNDERFLOWS)

@@ -3,15 +3,4 @@
 // but the long double one for double, as glibc's double cube root reaches 3 ulp.
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-using namespace qon::vm::elementary;
-struct CbrtF {
-    template <class W>
-    static W f(W w) {
-        return std::cbrt(w);
-    }
-    static constexpr bool wide_double = true;
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS(U, Cbrt, Libm<CbrtF>)
+QON_VM_REAL_LIBM(Cbrt, std::cbrt(w), QON_VM_WIDE_DOUBLE)

@@ -2,14 +2,4 @@
 // serves every accuracy, never reports.
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-struct CopySign {
-    template <int A, class T>
-    static int eval(T x, T y, T &r) {
-        r = std::copysign(x, y);
-        return PAX_STATUS_OK;
-    }
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS_SHARED(B, CopySign, CopySign)
+QON_VM_REAL_EXACT2(CopySign, std::copysign(x, y))

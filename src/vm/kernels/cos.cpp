@@ -4,14 +4,4 @@
 // +-inf is a domain error.
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-using namespace qon::vm::elementary;
-struct CosF {
-    template <class W>
-    static W f(W w) {
-        return std::cos(w);
-    }
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS(U, Cos, Libm<CosF>)
+QON_VM_REAL_LIBM(Cos, std::cos(w))

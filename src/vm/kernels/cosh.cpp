@@ -4,14 +4,4 @@
 // Results beyond the range overflow.
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-using namespace qon::vm::elementary;
-struct CoshF {
-    template <class W>
-    static W f(W w) {
-        return std::cosh(w);
-    }
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS(U, Cosh, Libm<CoshF>)
+QON_VM_REAL_LIBM(Cosh, std::cosh(w))

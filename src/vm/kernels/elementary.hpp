@@ -202,12 +202,25 @@ struct ScaledTan {
     }
 };
 
-// A one-argument routine over a libm function: F::f(w) for w of every working type, rounded
-// once. F may declare `static bool pole(T x)`, the arguments where an infinite result is a
-// singularity, `static constexpr bool underflows = true` when a tiny result from a normal
-// argument is an underflow (its exact value is then never zero), and
-// `static constexpr bool wide_double = true` when every double slot must work in long double
-// (the double libm function is too far from the LA bound).
+// The status of a result r of arguments args under the traits of a routine F:
+//   `template <class T> static bool pole(T x)`  an infinite result at these arguments is a
+//                                                singularity;
+//   `static constexpr bool underflows = true`   a tiny result from normal arguments is an
+//                                                underflow (its exact value is never zero);
+//   `static constexpr bool classified = true`   domain errors and overflows are reported (the
+//                                                libm routines always are).
+template <class F, bool always_classified, class T, class... Args>
+int status_of(T r, T x, Args... more) {
+    if constexpr (requires { F::pole(x); })
+        if (std::isinf(r) && F::pole(x)) return PAX_STATUS_SING;
+    if constexpr (requires { F::underflows; }) return classify_underflow(r, x, more...);
+    else if constexpr (always_classified || requires { F::classified; }) return classify(r, x, more...);
+    else return PAX_STATUS_OK;
+}
+
+// A routine over a libm expression F::f of one or two working values, rounded once to the
+// element type. `static constexpr bool wide_double = true` makes every double slot work in
+// long double (where the double libm function is too far from the LA bound).
 template <class F>
 struct Libm {
     template <int A, class T>
@@ -218,33 +231,28 @@ struct Libm {
     template <int A, class T>
     static int eval(T x, T &r) {
         r = in_work<accuracy<A, T>()>(x, [](auto w) { return F::f(w); });
-        if constexpr (requires { F::pole(x); })
-            if (std::isinf(r) && F::pole(x)) return PAX_STATUS_SING;
-        if constexpr (requires { F::underflows; }) return classify_underflow(r, x);
-        else return classify(r, x);
+        return status_of<F, true>(r, x);
     }
-};
-
-// The same for two arguments: F::f(u, v) in the working precision, rounded once;
-// `underflows` as above.
-template <class F>
-struct Libm2 {
     template <int A, class T>
     static int eval(T x, T y, T &r) {
-        r = in_work<A>(x, y, [](auto u, auto v) { return F::f(u, v); });
-        if constexpr (requires { F::underflows; }) return classify_underflow(r, x, y);
-        else return classify(r, x, y);
+        r = in_work<accuracy<A, T>()>(x, y, [](auto u, auto v) { return F::f(u, v); });
+        return status_of<F, true>(r, x, y);
     }
 };
 
-// A one-argument routine whose result is exact and never reported: F::f(x) in the element
-// type (rounding, magnitude and such); infinities, zeros and NaN pass through.
+// A routine whose result F::f in the element type is exact or correctly rounded (rounding,
+// selection, arithmetic); it serves every accuracy.
 template <class F>
 struct Exact {
     template <int A, class T>
     static int eval(T x, T &r) {
         r = F::f(x);
-        return PAX_STATUS_OK;
+        return status_of<F, false>(r, x);
+    }
+    template <int A, class T>
+    static int eval(T x, T y, T &r) {
+        r = F::f(x, y);
+        return status_of<F, false>(r, x, y);
     }
 };
 
@@ -269,3 +277,40 @@ struct PowRoutine {
 #define QON_VM_REAL_KERNELS_SHARED(fam, F, Routine)                  \
     QON_VM_LOOP_KERNELS_SHARED(fam, s, F, float, float, Routine)     \
     QON_VM_LOOP_KERNELS_SHARED(fam, d, F, double, double, Routine)
+
+// One-line definitions of a real function's kernels from an expression: of the working value w
+// (QON_VM_REAL_LIBM) or of u and v (QON_VM_REAL_LIBM2), per accuracy; of x (QON_VM_REAL_EXACT)
+// or of x and y (QON_VM_REAL_EXACT2) in the element type T, one kernel for every accuracy. The
+// trailing arguments are traits (see status_of).
+#define QON_VM_POLE(condition)   \
+    template <class T>           \
+    static bool pole(T x) {      \
+        return condition;        \
+    }
+#define QON_VM_UNDERFLOWS static constexpr bool underflows = true;
+#define QON_VM_CLASSIFIED static constexpr bool classified = true;
+#define QON_VM_WIDE_DOUBLE static constexpr bool wide_double = true;
+
+#define QON_VM_REAL_EXPRESSION(F, params, expression, traits)  \
+    namespace {                                                \
+    using namespace qon::vm::elementary;                       \
+    struct F##Expression {                                     \
+        template <class T>                                     \
+        static T f params {                                    \
+            return expression;                                 \
+        }                                                      \
+        traits                                                 \
+    };                                                         \
+    }
+#define QON_VM_REAL_LIBM(F, expression, ...)                           \
+    QON_VM_REAL_EXPRESSION(F, (T w), expression, __VA_ARGS__)          \
+    QON_VM_REAL_KERNELS(U, F, qon::vm::elementary::Libm<F##Expression>)
+#define QON_VM_REAL_LIBM2(F, expression, ...)                          \
+    QON_VM_REAL_EXPRESSION(F, (T u, T v), expression, __VA_ARGS__)     \
+    QON_VM_REAL_KERNELS(B, F, qon::vm::elementary::Libm<F##Expression>)
+#define QON_VM_REAL_EXACT(F, expression, ...)                                  \
+    QON_VM_REAL_EXPRESSION(F, (T x), expression, __VA_ARGS__)                  \
+    QON_VM_REAL_KERNELS_SHARED(U, F, qon::vm::elementary::Exact<F##Expression>)
+#define QON_VM_REAL_EXACT2(F, expression, ...)                                 \
+    QON_VM_REAL_EXPRESSION(F, (T x, T y), expression, __VA_ARGS__)             \
+    QON_VM_REAL_KERNELS_SHARED(B, F, qon::vm::elementary::Exact<F##Expression>)

@@ -5,13 +5,9 @@
 #include "vm/kernels/elementary.hpp"
 
 namespace {
-using namespace qon::vm::elementary;
-struct Exp10F {
-    static float f(float w) { return ::exp10f(w); }
-    static double f(double w) { return ::exp10(w); }
-    static long double f(long double w) { return ::exp10l(w); }
-    static constexpr bool underflows = true;
-};
+float exp10_of(float w) { return ::exp10f(w); }
+double exp10_of(double w) { return ::exp10(w); }
+long double exp10_of(long double w) { return ::exp10l(w); }
 }  // namespace
 
-QON_VM_REAL_KERNELS(U, Exp10, Libm<Exp10F>)
+QON_VM_REAL_LIBM(Exp10, exp10_of(w), QON_VM_UNDERFLOWS)

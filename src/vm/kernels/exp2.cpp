@@ -4,15 +4,4 @@
 // Overflow above the range, underflow where the result is subnormal or zero.
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-using namespace qon::vm::elementary;
-struct Exp2F {
-    template <class W>
-    static W f(W w) {
-        return std::exp2(w);
-    }
-    static constexpr bool underflows = true;
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS(U, Exp2, Libm<Exp2F>)
+QON_VM_REAL_LIBM(Exp2, std::exp2(w), QON_VM_UNDERFLOWS)

@@ -4,14 +4,4 @@
 // Overflow above the range.
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-using namespace qon::vm::elementary;
-struct Expm1F {
-    template <class W>
-    static W f(W w) {
-        return std::expm1(w);
-    }
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS(U, Expm1, Libm<Expm1F>)
+QON_VM_REAL_LIBM(Expm1, std::expm1(w))

@@ -2,14 +2,4 @@
 // kernel serves every accuracy. An infinite difference of finite arguments is an overflow.
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-struct Fdim {
-    template <int A, class T>
-    static int eval(T x, T y, T &r) {
-        r = std::fdim(x, y);
-        return qon::vm::elementary::classify(r, x, y);
-    }
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS_SHARED(B, Fdim, Fdim)
+QON_VM_REAL_EXACT2(Fdim, std::fdim(x, y), QON_VM_CLASSIFIED)

@@ -2,14 +2,4 @@
 // exact, one kernel serves every accuracy, never reports.
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-struct Fmax {
-    template <int A, class T>
-    static int eval(T x, T y, T &r) {
-        r = std::fmax(x, y);
-        return PAX_STATUS_OK;
-    }
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS_SHARED(B, Fmax, Fmax)
+QON_VM_REAL_EXACT2(Fmax, std::fmax(x, y))

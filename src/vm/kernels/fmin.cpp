@@ -2,14 +2,4 @@
 // exact, one kernel serves every accuracy, never reports.
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-struct Fmin {
-    template <int A, class T>
-    static int eval(T x, T y, T &r) {
-        r = std::fmin(x, y);
-        return PAX_STATUS_OK;
-    }
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS_SHARED(B, Fmin, Fmin)
+QON_VM_REAL_EXACT2(Fmin, std::fmin(x, y))

@@ -2,14 +2,4 @@
 // every accuracy. b = +-0 and a = +-inf are domain errors (NaN); fmod(a, +-inf) = a.
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-struct Fmod {
-    template <int A, class T>
-    static int eval(T x, T y, T &r) {
-        r = std::fmod(x, y);
-        return qon::vm::elementary::classify(r, x, y);
-    }
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS_SHARED(B, Fmod, Fmod)
+QON_VM_REAL_EXACT2(Fmod, std::fmod(x, y), QON_VM_CLASSIFIED)

@@ -2,14 +2,4 @@
 // and infinities); exact, one kernel serves every accuracy, never reports.
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-struct FracF {
-    template <class T>
-    static T f(T x) {
-        T whole;
-        return std::modf(x, &whole);
-    }
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS_SHARED(U, Frac, qon::vm::elementary::Exact<FracF>)
+QON_VM_REAL_EXACT(Frac, std::isinf(x) ? std::copysign(T(0), x) : std::copysign(x - std::trunc(x), x))

@@ -4,14 +4,4 @@
 // an overflow.
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-using namespace qon::vm::elementary;
-struct HypotF {
-    template <class W>
-    static W f(W x, W y) {
-        return std::hypot(x, y);
-    }
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS(B, Hypot, Libm2<HypotF>)
+QON_VM_REAL_LIBM2(Hypot, std::hypot(u, v))

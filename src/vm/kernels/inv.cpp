@@ -3,14 +3,4 @@
 // an underflow.
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-struct Inv {
-    template <int A, class T>
-    static int eval(T x, T &r) {
-        r = 1 / x;
-        return x == 0 ? PAX_STATUS_SING : qon::vm::elementary::classify_underflow(r, x);
-    }
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS_SHARED(U, Inv, Inv)
+QON_VM_REAL_EXACT(Inv, 1 / x, QON_VM_POLE(x == 0) QON_VM_UNDERFLOWS)

@@ -4,19 +4,4 @@
 // root's error plus half an ulp). 1/cbrt(+-0) = +-inf is a singularity.
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-using namespace qon::vm::elementary;
-struct InvCbrtF {
-    template <class W>
-    static W f(W w) {
-        return 1 / std::cbrt(w);
-    }
-    template <class T>
-    static bool pole(T x) {
-        return x == 0;
-    }
-    static constexpr bool wide_double = true;
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS(U, InvCbrt, Libm<InvCbrtF>)
+QON_VM_REAL_LIBM(InvCbrt, 1 / std::cbrt(w), QON_VM_POLE(x == 0) QON_VM_WIDE_DOUBLE)

@@ -3,18 +3,4 @@
 // 1/sqrt(+-0) = +-inf is a singularity, x < 0 a domain error.
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-using namespace qon::vm::elementary;
-struct InvSqrtF {
-    template <class W>
-    static W f(W w) {
-        return 1 / std::sqrt(w);
-    }
-    template <class T>
-    static bool pole(T x) {
-        return x == 0;
-    }
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS(U, InvSqrt, Libm<InvSqrtF>)
+QON_VM_REAL_LIBM(InvSqrt, 1 / std::sqrt(w), QON_VM_POLE(x == 0))

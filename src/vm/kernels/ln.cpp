@@ -4,18 +4,4 @@
 // x < 0 is a domain error, x = +-0 a singularity (-inf).
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-using namespace qon::vm::elementary;
-struct LnF {
-    template <class W>
-    static W f(W w) {
-        return std::log(w);
-    }
-    template <class T>
-    static bool pole(T x) {
-        return x == 0;
-    }
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS(U, Ln, Libm<LnF>)
+QON_VM_REAL_LIBM(Ln, std::log(w), QON_VM_POLE(x == 0))

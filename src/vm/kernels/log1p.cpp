@@ -4,18 +4,4 @@
 // x < -1 is a domain error, x = -1 a singularity (-inf).
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-using namespace qon::vm::elementary;
-struct Log1pF {
-    template <class W>
-    static W f(W w) {
-        return std::log1p(w);
-    }
-    template <class T>
-    static bool pole(T x) {
-        return x == -1;
-    }
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS(U, Log1p, Libm<Log1pF>)
+QON_VM_REAL_LIBM(Log1p, std::log1p(w), QON_VM_POLE(x == -1))

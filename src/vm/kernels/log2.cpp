@@ -4,18 +4,4 @@
 // x < 0 is a domain error, x = +-0 a singularity (-inf).
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-using namespace qon::vm::elementary;
-struct Log2F {
-    template <class W>
-    static W f(W w) {
-        return std::log2(w);
-    }
-    template <class T>
-    static bool pole(T x) {
-        return x == 0;
-    }
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS(U, Log2, Libm<Log2F>)
+QON_VM_REAL_LIBM(Log2, std::log2(w), QON_VM_POLE(x == 0))

@@ -2,15 +2,5 @@
 // the other one. Exact, one kernel serves every accuracy, never reports.
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-struct MaxMag {
-    template <int A, class T>
-    static int eval(T x, T y, T &r) {
-        T ax = std::fabs(x), ay = std::fabs(y);
-        r = ax > ay ? x : ay > ax ? y : std::fmax(x, y);
-        return PAX_STATUS_OK;
-    }
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS_SHARED(B, MaxMag, MaxMag)
+QON_VM_REAL_EXACT2(MaxMag,
+                   std::fabs(x) > std::fabs(y) ? x : std::fabs(y) > std::fabs(x) ? y : std::fmax(x, y))

@@ -3,14 +3,4 @@
 // arguments an underflow.
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-struct Mul {
-    template <int A, class T>
-    static int eval(T x, T y, T &r) {
-        r = x * y;
-        return qon::vm::elementary::classify_underflow(r, x, y);
-    }
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS_SHARED(B, Mul, Mul)
+QON_VM_REAL_EXACT2(Mul, x * y, QON_VM_UNDERFLOWS)

@@ -3,13 +3,4 @@
 // serves every accuracy.
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-struct NearbyIntF {
-    template <class T>
-    static T f(T x) {
-        return std::nearbyint(x);
-    }
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS_SHARED(U, NearbyInt, qon::vm::elementary::Exact<NearbyIntF>)
+QON_VM_REAL_EXACT(NearbyInt, std::nearbyint(x))

@@ -4,15 +4,4 @@
 // once squared), while for float they work in float (twice the root's ulp plus half an ulp).
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-using namespace qon::vm::elementary;
-struct Pow2o3F {
-    template <class W>
-    static W f(W w) {
-        return std::cbrt(w) * std::cbrt(w);
-    }
-    static constexpr bool wide_double = true;
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS(U, Pow2o3, Libm<Pow2o3F>)
+QON_VM_REAL_LIBM(Pow2o3, std::cbrt(w) * std::cbrt(w), QON_VM_WIDE_DOUBLE)

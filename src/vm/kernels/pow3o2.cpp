@@ -5,15 +5,4 @@
 // are reported.
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-using namespace qon::vm::elementary;
-struct Pow3o2F {
-    template <class W>
-    static W f(W w) {
-        return std::isinf(w) ? std::fabs(w) : w * std::sqrt(w);
-    }
-    static constexpr bool underflows = true;
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS(U, Pow3o2, Libm<Pow3o2F>)
+QON_VM_REAL_LIBM(Pow3o2, std::isinf(w) ? std::fabs(w) : w * std::sqrt(w), QON_VM_UNDERFLOWS)

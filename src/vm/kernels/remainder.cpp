@@ -3,14 +3,4 @@
 // domain errors (NaN); remainder(a, +-inf) = a.
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-struct Remainder {
-    template <int A, class T>
-    static int eval(T x, T y, T &r) {
-        r = std::remainder(x, y);
-        return qon::vm::elementary::classify(r, x, y);
-    }
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS_SHARED(B, Remainder, Remainder)
+QON_VM_REAL_EXACT2(Remainder, std::remainder(x, y), QON_VM_CLASSIFIED)

@@ -4,14 +4,4 @@
 // +-inf is a domain error.
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-using namespace qon::vm::elementary;
-struct SinF {
-    template <class W>
-    static W f(W w) {
-        return std::sin(w);
-    }
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS(U, Sin, Libm<SinF>)
+QON_VM_REAL_LIBM(Sin, std::sin(w))

@@ -4,14 +4,4 @@
 // Results beyond the range overflow.
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-using namespace qon::vm::elementary;
-struct SinhF {
-    template <class W>
-    static W f(W w) {
-        return std::sinh(w);
-    }
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS(U, Sinh, Libm<SinhF>)
+QON_VM_REAL_LIBM(Sinh, std::sinh(w))

@@ -2,14 +2,4 @@
 // accuracy. sqrt(-0) = -0; x < 0 (and -inf) is a domain error.
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-struct Sqrt {
-    template <int A, class T>
-    static int eval(T x, T &r) {
-        r = std::sqrt(x);
-        return qon::vm::elementary::classify(r, x);
-    }
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS_SHARED(U, Sqrt, Sqrt)
+QON_VM_REAL_EXACT(Sqrt, std::sqrt(x), QON_VM_CLASSIFIED)

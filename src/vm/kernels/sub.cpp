@@ -3,14 +3,4 @@
 // exact and not reported.
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-struct Sub {
-    template <int A, class T>
-    static int eval(T x, T y, T &r) {
-        r = x - y;
-        return qon::vm::elementary::classify(r, x, y);
-    }
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS_SHARED(B, Sub, Sub)
+QON_VM_REAL_EXACT2(Sub, x - y, QON_VM_CLASSIFIED)

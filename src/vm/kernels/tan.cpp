@@ -4,14 +4,4 @@
 // +-inf is a domain error.
 #include "vm/kernels/elementary.hpp"
 
-namespace {
-using namespace qon::vm::elementary;
-struct TanF {
-    template <class W>
-    static W f(W w) {
-        return std::tan(w);
-    }
-};
-}  // namespace
-
-QON_VM_REAL_KERNELS(U, Tan, Libm<TanF>)
+QON_VM_REAL_LIBM(Tan, std::tan(w))
