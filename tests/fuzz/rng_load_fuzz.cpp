@@ -1,8 +1,8 @@
 // libFuzzer target for saved stream images. Each input is handed to the file form (written to
 // a scratch file) and, when the buffer is as long as its header claims, to the memory form.
 // A loaded stream is then used: sized, copied, saved and reloaded, and drawn from through
-// its registry row, so that any state a loader accepts is exercised. Every other outcome must
-// be one of the documented status codes with no stream left behind.
+// its registry row (QON_FUZZ_DRAW below), so that any state a loader accepts is exercised.
+// Every other outcome must be one of the documented status codes with no stream left behind.
 #include <qon/qon_rok.h>
 
 #include <unistd.h>
@@ -64,7 +64,19 @@ void exercise(RokStream *s) {
     rokDeleteStream(&again);
     RokStream *copy = nullptr;
     if (rokCopyStream(&copy, s) == ROK_STATUS_OK) rokDeleteStream(&copy);
-    if (std::getenv("QON_FUZZ_DRAW") == nullptr) return;
+    // QON_FUZZ_DRAW=all draws from every loaded stream, QON_FUZZ_DRAW=<hex ids, comma-separated>
+    // only from those generators' streams; unset, nothing is drawn.
+    const char *draw = std::getenv("QON_FUZZ_DRAW");
+    if (draw == nullptr) return;
+    bool listed = std::strcmp(draw, "all") == 0;
+    for (const char *p = draw; !listed && *p != '\0';) {
+        char *end = nullptr;
+        const long id = std::strtol(p, &end, 16);
+        if (end == p) break;
+        listed = id == rokGetStreamStateBrng(s);
+        p = *end == ',' ? end + 1 : end;
+    }
+    if (!listed) return;
     std::vector<uint8_t> words(16 * 40);
     double d[40];
     float f[40];
