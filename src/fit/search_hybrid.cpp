@@ -13,19 +13,26 @@ namespace {
 
 // The cell of t, with x[lo] <= t < x[hi].
 template <class T>
-inline int64_t narrow_and_count(const T *x, int64_t lo, int64_t hi, T t) {
+inline int64_t narrow_and_count(const T *x, int64_t nx, int64_t lo, int64_t hi, T t) {
     constexpr int64_t kLinear = 40;
     while (hi - lo > kLinear) {
 #pragma GCC unroll 8
         for (int step = 0; step < 8; ++step) {
+            // Select by mask: a branch here would be mispredicted half the time.
             const int64_t mid = (lo + hi) >> 1;
-            const bool above = x[mid] > t;
-            hi = above ? mid : hi;
-            lo = above ? lo : mid;
+            const int64_t above = -static_cast<int64_t>(x[mid] > t);
+            hi = (mid & above) | (hi & ~above);
+            lo = (lo & above) | (mid & ~above);
             if (hi - lo <= kLinear) break;
         }
     }
     if (hi - lo <= 1) return hi;
+    if (lo + 40 <= nx) {
+        int64_t c = lo;
+#pragma GCC unroll 10
+        for (int j = 0; j < 10; ++j) c += std::popcount(static_cast<unsigned>(le_mask4(x + lo + 4 * j, t)));
+        return c;
+    }
     int64_t c = lo, k = lo;
     for (; k + 4 <= hi; k += 4) {
         const int m = le_mask4(x + k, t);
@@ -51,10 +58,10 @@ int hybrid_search(int64_t nx, const T *x, int64_t nsite, const T *site, const in
         } else if (t >= xl) {
             c = t == xl ? nx - 1 : nx;
         } else if (bins == nullptr) {
-            c = narrow_and_count(x, 0, nx - 1, t);
+            c = narrow_and_count(x, nx, 0, nx - 1, t);
         } else {
             const int64_t b = trunc_i64((t - x0) * scale);
-            c = narrow_and_count(x, bins[2 * b], bins[2 * b + 1], t);
+            c = narrow_and_count(x, nx, bins[2 * b], bins[2 * b + 1], t);
         }
         cell[i] = static_cast<C>(c);
     }
