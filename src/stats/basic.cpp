@@ -617,13 +617,4 @@ template int basic<float>(rok_ss_task *, uint64_t, uint64_t, const qon_serv_serv
 
 }  // namespace ss
 
-extern "C" {
-
-QON_API int rokdSSBasic(rok_ss_task *task, uint64_t estimates, uint64_t method, const qon_serv_services *services) {
-    return ss::basic<double>(task, estimates, method, services);
-}
-QON_API int roksSSBasic(rok_ss_task *task, uint64_t estimates, uint64_t method, const qon_serv_services *services) {
-    return ss::basic<float>(task, estimates, method, services);
-}
-
-}  // extern "C"
+QON_SS_KERNEL_TWINS(SSBasic, basic)

@@ -1,5 +1,6 @@
-// Shared pieces of the summary-statistics kernels: reading and checking the observation parameters, the list of processed variables, work buffers, the
-// parallel-for of the service table, and addressing of the three matrix storages.
+// Shared pieces of the summary-statistics kernels: reading and checking the observation
+// parameters, the list of processed variables, work buffers, the parallel-for of the service
+// table, addressing of the three matrix storages, and the exported twins of a kernel template.
 #pragma once
 
 #include <qon/qon_serv.h>
@@ -101,3 +102,14 @@ inline int64_t matrix_index(int64_t storage, int64_t p, int64_t i, int64_t j) {
 }
 
 }  // namespace ss
+
+// The exported d and s entries of a kernel template ss::fn<T>(task, estimates, method, services).
+#define QON_SS_KERNEL_TWINS(Name, fn)                                                                      \
+    extern "C" QON_API int rokd##Name(rok_ss_task *task, uint64_t estimates, uint64_t method,               \
+                                      const qon_serv_services *services) {                                  \
+        return ss::fn<double>(task, estimates, method, services);                                           \
+    }                                                                                                       \
+    extern "C" QON_API int roks##Name(rok_ss_task *task, uint64_t estimates, uint64_t method,               \
+                                      const qon_serv_services *services) {                                  \
+        return ss::fn<float>(task, estimates, method, services);                                            \
+    }

@@ -155,13 +155,4 @@ int mad(rok_ss_task *t, uint64_t estimates, uint64_t method, const qon_serv_serv
 }  // namespace
 }  // namespace ss
 
-extern "C" {
-
-QON_API int rokdSSMAD(rok_ss_task *task, uint64_t estimates, uint64_t method, const qon_serv_services *services) {
-    return ss::mad<double>(task, estimates, method, services);
-}
-QON_API int roksSSMAD(rok_ss_task *task, uint64_t estimates, uint64_t method, const qon_serv_services *services) {
-    return ss::mad<float>(task, estimates, method, services);
-}
-
-}  // extern "C"
+QON_SS_KERNEL_TWINS(SSMAD, mad)

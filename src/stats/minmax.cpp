@@ -111,13 +111,4 @@ int minmax(rok_ss_task *t, uint64_t estimates, uint64_t method, const qon_serv_s
 }  // namespace
 }  // namespace ss
 
-extern "C" {
-
-QON_API int rokdSSMinmax(rok_ss_task *task, uint64_t estimates, uint64_t method, const qon_serv_services *services) {
-    return ss::minmax<double>(task, estimates, method, services);
-}
-QON_API int roksSSMinmax(rok_ss_task *task, uint64_t estimates, uint64_t method, const qon_serv_services *services) {
-    return ss::minmax<float>(task, estimates, method, services);
-}
-
-}  // extern "C"
+QON_SS_KERNEL_TWINS(SSMinmax, minmax)

@@ -80,11 +80,22 @@ void order_worker(int thread, int nthreads, OrderRun<T> *r) {
     }
 }
 
-// Runs the worker over every processed variable, block by block. r.obs, r.x and the outputs are
-// set by the caller.
+// Sorted runs go to `out` in the given observation storage.
+template <class T>
+void set_sorted_output(OrderRun<T> &r, void *out, int64_t storage) {
+    r.stats = static_cast<T *>(out);
+    r.stats_sv = storage == kStorageRows ? r.obs.n : 1;
+    r.stats_so = storage == kStorageRows ? 1 : r.obs.p;
+}
+
+// Runs the worker over every processed variable, block by block. r.obs and the outputs are set by
+// the caller.
 template <class T>
 int run_order_statistics(const rok_ss_task *t, OrderRun<T> &r, const qon_serv_services *services) {
     using K = KeyOf<T>;
+    if (t->x == nullptr) return ROK_SS_ERROR_BAD_OBSERV_ADDR;
+    if (r.obs.p < 1) return 0;
+    r.x = static_cast<const T *>(t->x);
     const int64_t n = r.obs.n;
     const int64_t per_block = std::max<int64_t>(1, kBlockBytes / (n * static_cast<int64_t>(sizeof(T))));
     Buffer vars;

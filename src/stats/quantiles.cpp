@@ -34,28 +34,14 @@ int quantiles(rok_ss_task *t, uint64_t estimates, uint64_t method, const qon_ser
         if (t->order_stats_storage == nullptr) return ROK_SS_ERROR_BAD_STORAGE_ADDR;
         const int64_t s = read_int(t, t->order_stats_storage);
         if (!valid_storage(s)) return ROK_SS_ERROR_STORAGE_NOT_SUPPORTED;
-        r.stats = static_cast<T *>(t->order_stats);
-        r.stats_sv = s == kStorageRows ? r.obs.n : 1;
-        r.stats_so = s == kStorageRows ? 1 : r.obs.p;
+        set_sorted_output(r, t->order_stats, s);
     }
     if (!(method & ROK_SS_METHOD_FAST)) return ROK_SS_ERROR_METHOD_NOT_SUPPORTED;
     if (!want_q && !want_s) return 0;
-    if (t->x == nullptr) return ROK_SS_ERROR_BAD_OBSERV_ADDR;
-    if (r.obs.p < 1) return 0;
-    r.x = static_cast<const T *>(t->x);
     return run_order_statistics<T>(t, r, services);
 }
 
 }  // namespace
 }  // namespace ss
 
-extern "C" {
-
-QON_API int rokdSSQuantiles(rok_ss_task *task, uint64_t estimates, uint64_t method, const qon_serv_services *services) {
-    return ss::quantiles<double>(task, estimates, method, services);
-}
-QON_API int roksSSQuantiles(rok_ss_task *task, uint64_t estimates, uint64_t method, const qon_serv_services *services) {
-    return ss::quantiles<float>(task, estimates, method, services);
-}
-
-}  // extern "C"
+QON_SS_KERNEL_TWINS(SSQuantiles, quantiles)

@@ -27,25 +27,11 @@ int sort(rok_ss_task *t, uint64_t, uint64_t method, const qon_serv_services *ser
     if (!(method & ROK_SS_METHOD_RADIX)) return ROK_SS_ERROR_METHOD_NOT_SUPPORTED;
     OrderRun<T> r;
     if (int status = read_observations(t, r.obs)) return status;
-    if (t->x == nullptr) return ROK_SS_ERROR_BAD_OBSERV_ADDR;
-    if (r.obs.p < 1) return 0;
-    r.x = static_cast<const T *>(t->x);
-    r.stats = static_cast<T *>(t->sorted);
-    r.stats_sv = out_storage == kStorageRows ? r.obs.n : 1;
-    r.stats_so = out_storage == kStorageRows ? 1 : r.obs.p;
+    set_sorted_output<T>(r, t->sorted, out_storage);
     return run_order_statistics<T>(t, r, services);
 }
 
 }  // namespace
 }  // namespace ss
 
-extern "C" {
-
-QON_API int rokdSSSort(rok_ss_task *task, uint64_t estimates, uint64_t method, const qon_serv_services *services) {
-    return ss::sort<double>(task, estimates, method, services);
-}
-QON_API int roksSSSort(rok_ss_task *task, uint64_t estimates, uint64_t method, const qon_serv_services *services) {
-    return ss::sort<float>(task, estimates, method, services);
-}
-
-}  // extern "C"
+QON_SS_KERNEL_TWINS(SSSort, sort)
