@@ -17,7 +17,7 @@ struct CdfNormInv {
         if (p == 0) return give(-infinity<T>, r, PAX_STATUS_SING);
         if (p == 1) return give(infinity<T>, r, PAX_STATUS_SING);
         LD v = p < T(0.5) ? -sqrt2 * erfcinv(2 * LD(p)) : sqrt2 * erfcinv(2 - 2 * LD(p));
-        return finish(p, v, r);
+        return finish(p, v, r, v != 0);
     }
 };
 }  // namespace

@@ -16,7 +16,8 @@ struct ErfcInv {
         if (x < 0 || x > 2) return give(quiet_nan<T>, r, PAX_STATUS_ERRDOM);
         if (x == 0) return give(infinity<T>, r, PAX_STATUS_SING);
         if (x == 2) return give(-infinity<T>, r, PAX_STATUS_SING);
-        return finish(x, erfcinv(LD(x)), r);
+        LD v = erfcinv(LD(x));
+        return finish(x, v, r, v != 0);
     }
 };
 }  // namespace

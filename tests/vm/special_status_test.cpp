@@ -1,0 +1,246 @@
+// Special values and statuses of the special functions in every slot of the s and d tables
+// (C99 Annex F values where it gives them; 1 domain, 2 singularity, 3 overflow, 4 underflow),
+// seen through an error call-back; in-place calls with a call-back that replaces results;
+// strided forms against the contiguous ones; n <= 0.
+#include <gtest/gtest.h>
+#include <qon/qon_pax.h>
+
+#include <climits>
+#include <cmath>
+#include <limits>
+#include <string>
+#include <vector>
+
+namespace {
+
+using Table = qon_pax_kernel_fn const (*)[3];
+
+struct Seen {
+    int count = 0, code = 0, index = -1;
+    std::string name;
+};
+Seen seen;
+
+int record(PaxErrorContext *c) {
+    ++seen.count;
+    seen.code = c->code;
+    seen.index = c->index;
+    seen.name.assign(c->function_name, static_cast<std::size_t>(c->function_name_length));
+    return 0;
+}
+
+class SpecialStatus : public testing::Test {
+protected:
+    void SetUp() override {
+        saved_ = paxSetErrorCallBack(record);
+        paxClearErrStatus();
+        seen = Seen{};
+    }
+    void TearDown() override {
+        paxSetErrorCallBack(saved_);
+        paxClearErrStatus();
+    }
+    PaxErrorCallBack saved_ = nullptr;
+};
+
+constexpr double inf = std::numeric_limits<double>::infinity();
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+constexpr double any = 12345.678;  // the value is not checked (accuracy tests measure it)
+enum Types { F = 1, D = 2, FD = 3 };
+
+struct Case {
+    Table s, d;
+    const char *name;
+    int types;
+    int nu;  // order for Jn and Yn
+    double x, want;
+    int status;
+};
+
+#define FN(Func) &qon_pax_kernel_s##Func##_ttab, &qon_pax_kernel_d##Func##_ttab, #Func
+
+// clang-format off
+const Case cases[] = {
+    {FN(Erf), FD, 0, 0.0, 0.0, 0}, {FN(Erf), FD, 0, -0.0, -0.0, 0}, {FN(Erf), FD, 0, inf, 1, 0},
+    {FN(Erf), FD, 0, -inf, -1, 0}, {FN(Erf), FD, 0, nan, nan, 0},
+    {FN(Erfc), FD, 0, inf, 0.0, 0}, {FN(Erfc), FD, 0, -inf, 2, 0}, {FN(Erfc), FD, 0, 0.0, 1, 0},
+    {FN(Erfc), D, 0, 27, any, 4}, {FN(Erfc), F, 0, 10, any, 4}, {FN(Erfc), FD, 0, 30, 0.0, 4},
+    {FN(Erfc), FD, 0, nan, nan, 0},
+    {FN(ErfInv), FD, 0, 1, inf, 2}, {FN(ErfInv), FD, 0, -1, -inf, 2}, {FN(ErfInv), FD, 0, 1.5, nan, 1},
+    {FN(ErfInv), FD, 0, -inf, nan, 1}, {FN(ErfInv), FD, 0, inf, nan, 1}, {FN(ErfInv), FD, 0, 0.0, 0.0, 0},
+    {FN(ErfInv), FD, 0, -0.0, -0.0, 0}, {FN(ErfInv), FD, 0, nan, nan, 0},
+    {FN(ErfInv), D, 0, 2.3e-308, any, 4}, {FN(ErfInv), F, 0, 1.2e-38, any, 4}, {FN(ErfInv), D, 0, 4e-308, any, 0},
+    {FN(ErfcInv), FD, 0, 0.0, inf, 2}, {FN(ErfcInv), FD, 0, -0.0, inf, 2}, {FN(ErfcInv), FD, 0, 2, -inf, 2},
+    {FN(ErfcInv), FD, 0, -1e-30, nan, 1}, {FN(ErfcInv), FD, 0, 2.5, nan, 1}, {FN(ErfcInv), FD, 0, inf, nan, 1},
+    {FN(ErfcInv), FD, 0, 1, 0.0, 0}, {FN(ErfcInv), D, 0, 4.9e-324, any, 0}, {FN(ErfcInv), FD, 0, nan, nan, 0},
+    {FN(CdfNormInv), FD, 0, 0.0, -inf, 2}, {FN(CdfNormInv), FD, 0, 1, inf, 2}, {FN(CdfNormInv), FD, 0, 0.5, 0.0, 0},
+    {FN(CdfNormInv), FD, 0, -0.5, nan, 1}, {FN(CdfNormInv), FD, 0, 1.5, nan, 1}, {FN(CdfNormInv), FD, 0, nan, nan, 0},
+    {FN(Erfcx), FD, 0, inf, 0.0, 0}, {FN(Erfcx), FD, 0, -inf, inf, 0}, {FN(Erfcx), FD, 0, 0.0, 1, 0},
+    {FN(Erfcx), D, 0, -26.7, inf, 3}, {FN(Erfcx), F, 0, -9.5, inf, 3}, {FN(Erfcx), FD, 0, -1e30, inf, 3},
+    {FN(Erfcx), D, 0, 1e308, any, 4}, {FN(Erfcx), F, 0, 1e38, any, 4}, {FN(Erfcx), D, 0, 1e307, any, 0},
+    {FN(CdfNorm), FD, 0, -inf, 0.0, 0}, {FN(CdfNorm), FD, 0, inf, 1, 0}, {FN(CdfNorm), FD, 0, 0.0, 0.5, 0},
+    {FN(CdfNorm), D, 0, -38, any, 4}, {FN(CdfNorm), D, 0, -37.5, any, 0}, {FN(CdfNorm), F, 0, -13.5, any, 4},
+    {FN(CdfNorm), FD, 0, -40, 0.0, 4}, {FN(CdfNorm), FD, 0, -1e30, 0.0, 4}, {FN(CdfNorm), FD, 0, nan, nan, 0},
+    {FN(ExpInt1), FD, 0, 0.0, inf, 2}, {FN(ExpInt1), FD, 0, -0.0, inf, 2}, {FN(ExpInt1), FD, 0, -1, nan, 1},
+    {FN(ExpInt1), FD, 0, -inf, nan, 1}, {FN(ExpInt1), FD, 0, inf, 0.0, 0}, {FN(ExpInt1), D, 0, 710, any, 4},
+    {FN(ExpInt1), F, 0, 100, any, 4}, {FN(ExpInt1), FD, 0, 1e10, 0.0, 4}, {FN(ExpInt1), FD, 0, nan, nan, 0},
+    {FN(I0), FD, 0, 0.0, 1, 0}, {FN(I0), FD, 0, inf, inf, 0}, {FN(I0), FD, 0, -inf, inf, 0},
+    {FN(I0), D, 0, -715, inf, 3}, {FN(I0), F, 0, 92, inf, 3}, {FN(I0), FD, 0, nan, nan, 0},
+    {FN(I1), FD, 0, 0.0, 0.0, 0}, {FN(I1), FD, 0, -0.0, -0.0, 0}, {FN(I1), FD, 0, -inf, -inf, 0},
+    {FN(I1), D, 0, -715, -inf, 3}, {FN(I1), F, 0, 92, inf, 3}, {FN(I1), D, 0, 0x1p-1022, any, 4},
+    {FN(I1), F, 0, 0x1p-126, any, 4}, {FN(I1), D, 0, 0x1p-1021, any, 0},
+    {FN(J0), FD, 0, 0.0, 1, 0}, {FN(J0), FD, 0, inf, 0.0, 0}, {FN(J0), FD, 0, -inf, 0.0, 0},
+    {FN(J0), FD, 0, nan, nan, 0},
+    {FN(J1), FD, 0, -0.0, -0.0, 0}, {FN(J1), FD, 0, inf, 0.0, 0}, {FN(J1), FD, 0, -inf, -0.0, 0},
+    {FN(J1), D, 0, -0x1p-1022, any, 4}, {FN(J1), F, 0, 0x1p-126, any, 4},
+    {FN(Y0), FD, 0, 0.0, -inf, 2}, {FN(Y0), FD, 0, -0.0, -inf, 2}, {FN(Y0), FD, 0, -1, nan, 1},
+    {FN(Y0), FD, 0, -inf, nan, 1}, {FN(Y0), FD, 0, inf, 0.0, 0}, {FN(Y0), FD, 0, nan, nan, 0},
+    {FN(Y1), FD, 0, 0.0, -inf, 2}, {FN(Y1), FD, 0, -1, nan, 1}, {FN(Y1), FD, 0, inf, 0.0, 0},
+    {FN(Y1), D, 0, 1e-309, -inf, 3}, {FN(Y1), F, 0, 1e-39, -inf, 3}, {FN(Y1), D, 0, 1e-300, any, 0},
+    {FN(Jn), FD, 0, 0.0, 1, 0}, {FN(Jn), FD, 3, 0.0, 0.0, 0}, {FN(Jn), FD, 3, -0.0, -0.0, 0},
+    {FN(Jn), FD, -3, 0.0, -0.0, 0}, {FN(Jn), FD, 3, -inf, -0.0, 0}, {FN(Jn), FD, 2, -inf, 0.0, 0},
+    {FN(Jn), FD, 50, 1e-10, 0.0, 4}, {FN(Jn), FD, -51, 1e-10, -0.0, 4}, {FN(Jn), D, 50, 1e-6, any, 4},
+    {FN(Jn), FD, INT_MIN, 1, 0.0, 4}, {FN(Jn), FD, INT_MIN, -0.0, 0.0, 0}, {FN(Jn), FD, 3, nan, nan, 0},
+    {FN(Yn), FD, 3, 0.0, -inf, 2}, {FN(Yn), FD, -3, 0.0, inf, 2}, {FN(Yn), FD, -2, 0.0, -inf, 2},
+    {FN(Yn), FD, 3, -1, nan, 1}, {FN(Yn), FD, 3, inf, 0.0, 0}, {FN(Yn), FD, 50, 1e-10, -inf, 3},
+    {FN(Yn), FD, -51, 1e-10, inf, 3}, {FN(Yn), FD, INT_MIN, 1, -inf, 3}, {FN(Yn), D, 5, 1e-62, -inf, 3},
+    {FN(Yn), FD, 3, nan, nan, 0},
+    {FN(LGamma), FD, 0, 1, 0.0, 0}, {FN(LGamma), FD, 0, 2, 0.0, 0}, {FN(LGamma), FD, 0, 0.0, inf, 2},
+    {FN(LGamma), FD, 0, -0.0, inf, 2}, {FN(LGamma), FD, 0, -3, inf, 2}, {FN(LGamma), FD, 0, -1e30, inf, 2},
+    {FN(LGamma), FD, 0, inf, inf, 0}, {FN(LGamma), FD, 0, -inf, inf, 0}, {FN(LGamma), D, 0, 3e305, inf, 3},
+    {FN(LGamma), F, 0, 5e36, inf, 3}, {FN(LGamma), FD, 0, nan, nan, 0},
+    {FN(TGamma), FD, 0, 0.0, inf, 2}, {FN(TGamma), FD, 0, -0.0, -inf, 2}, {FN(TGamma), FD, 0, -1, nan, 2},
+    {FN(TGamma), FD, 0, -1e30, nan, 2}, {FN(TGamma), FD, 0, -inf, nan, 1}, {FN(TGamma), FD, 0, inf, inf, 0},
+    {FN(TGamma), FD, 0, 1, 1, 0}, {FN(TGamma), FD, 0, 5, 24, 0}, {FN(TGamma), D, 0, 172, inf, 3},
+    {FN(TGamma), F, 0, 36, inf, 3}, {FN(TGamma), D, 0, -1e-309, -inf, 3}, {FN(TGamma), D, 0, -180.5, any, 4},
+    {FN(TGamma), D, 0, -200.5, -0.0, 4}, {FN(TGamma), F, 0, -50.5, -0.0, 4}, {FN(TGamma), FD, 0, nan, nan, 0},
+};
+// clang-format on
+
+template <class T>
+bool same(T got, double want) {
+    if (want == any) return true;
+    if (std::isnan(want)) return std::isnan(got);
+    return got == static_cast<T>(want) && std::signbit(got) == std::signbit(want);
+}
+
+template <class T>
+void check(const Case &c, Table table) {
+    for (int slot = 0; slot < 3; ++slot) {
+        std::string where = std::string(sizeof(T) == 4 ? "s" : "d") + c.name + " slot " + std::to_string(slot) +
+                            " nu " + std::to_string(c.nu) + " x " + std::to_string(c.x);
+        seen = Seen{};
+        T x = static_cast<T>(c.x), r = T(-7);
+        if (std::string(c.name) == "Jn" || std::string(c.name) == "Yn")
+            reinterpret_cast<void (*)(int, const T *, int, T *)>((*table)[slot])(1, &x, c.nu, &r);
+        else
+            reinterpret_cast<void (*)(int, const T *, T *)>((*table)[slot])(1, &x, &r);
+        EXPECT_TRUE(same(r, c.want)) << where << ": got " << r << ", want " << c.want;
+        if (c.status == 0) {
+            EXPECT_EQ(seen.count, 0) << where << " reported " << seen.code;
+            continue;
+        }
+        EXPECT_EQ(seen.count, 1) << where;
+        EXPECT_EQ(seen.code, c.status) << where;
+        EXPECT_EQ(seen.index, 0) << where;
+        EXPECT_EQ(seen.name, std::string("pax") + (sizeof(T) == 4 ? "s" : "d") + c.name) << where;
+    }
+}
+
+TEST_F(SpecialStatus, SpecialValuesAndStatusesInEverySlot) {
+    for (const Case &c : cases) {
+        if (c.types & F) check<float>(c, c.s);
+        if (c.types & D) check<double>(c, c.d);
+    }
+}
+
+// The replacement the Gaussian generator's call-back makes: erfinv(+-1) = +-5.8635847487551676.
+int finite_erfinv(PaxErrorContext *c) {
+    if (c->code == PAX_STATUS_SING) c->res1 = c->res2 = std::copysign(5.8635847487551676, c->arg1);
+    return 0;
+}
+
+TEST_F(SpecialStatus, ErfInvInPlaceKeepsReplacedResults) {
+    paxSetErrorCallBack(finite_erfinv);
+    std::vector<double> a = {0.25, -1, 0.999999, 1, -0.5, 1e-300, -0.0, 0.75};
+    std::vector<double> expect(a.size());
+    paxdErfInv(static_cast<int>(a.size()), a.data(), expect.data());
+    std::vector<double> v = a;
+    paxdErfInv(static_cast<int>(v.size()), v.data(), v.data());
+    for (std::size_t i = 0; i < a.size(); ++i) EXPECT_EQ(v[i], expect[i]) << i;
+    EXPECT_EQ(v[1], -5.8635847487551676);
+    EXPECT_EQ(v[3], 5.8635847487551676);
+    EXPECT_EQ(paxGetErrStatus(), PAX_STATUS_SING);
+    // Halley's refinement makes erf of the result give back the argument.
+    EXPECT_NEAR(std::erf(v[0]), 0.25, 1e-16);
+    EXPECT_NEAR(std::erf(v[7]), 0.75, 2e-16);
+
+    std::vector<float> f = {0.5f, -1.0f, 0.125f};
+    paxsErfInv(3, f.data(), f.data());
+    EXPECT_EQ(f[1], -5.8635847487551676f);
+    EXPECT_NEAR(std::erf(double(f[0])), 0.5, 1e-7);
+}
+
+// Strided forms give the contiguous results at their positions (statuses and results left by
+// the call-back included), leave the gaps alone, and report with the strided name and the
+// element index.
+template <class T>
+void expect_strided_like_contiguous(Table contiguous, Table strided, const char *name, bool order) {
+    const std::vector<T> args = {T(0.5), T(-1), T(0.25), T(3), T(1), T(-0.75), T(2.5)};
+    const int n = static_cast<int>(args.size()), inca = 2, incr = 3;
+    for (int slot = 0; slot < 3; ++slot) {
+        std::vector<T> a(n * inca, T(99)), r(n * incr, T(-5)), want(n);
+        for (int i = 0; i < n; ++i) a[i * inca] = args[i];
+        seen = Seen{};
+        if (order) {
+            reinterpret_cast<void (*)(int, const T *, int, T *)>((*contiguous)[slot])(n, args.data(), 3, want.data());
+            seen = Seen{};
+            reinterpret_cast<void (*)(int, const T *, int, int, T *, int)>((*strided)[slot])(n, a.data(), inca, 3,
+                                                                                             r.data(), incr);
+        } else {
+            reinterpret_cast<void (*)(int, const T *, T *)>((*contiguous)[slot])(n, args.data(), want.data());
+            seen = Seen{};
+            reinterpret_cast<void (*)(int, const T *, int, T *, int)>((*strided)[slot])(n, a.data(), inca, r.data(),
+                                                                                        incr);
+        }
+        for (int i = 0; i < n * incr; ++i) {
+            if (i % incr == 0) {
+                T w = want[i / incr];
+                EXPECT_TRUE(std::isnan(w) ? std::isnan(r[i]) : r[i] == w) << name << " slot " << slot << " " << i;
+            } else {
+                EXPECT_EQ(r[i], T(-5)) << name << " gap " << i;
+            }
+        }
+        if (seen.count > 0) EXPECT_EQ(seen.name, std::string("pax") + (sizeof(T) == 4 ? "s" : "d") + name + "I");
+    }
+}
+
+TEST_F(SpecialStatus, StridedFormsMatchContiguous) {
+    expect_strided_like_contiguous<double>(&qon_pax_kernel_dErfInv_ttab, &qon_pax_kernel_dErfInvI_ttab, "ErfInv", false);
+    expect_strided_like_contiguous<float>(&qon_pax_kernel_sErfInv_ttab, &qon_pax_kernel_sErfInvI_ttab, "ErfInv", false);
+    expect_strided_like_contiguous<double>(&qon_pax_kernel_dTGamma_ttab, &qon_pax_kernel_dTGammaI_ttab, "TGamma", false);
+    expect_strided_like_contiguous<float>(&qon_pax_kernel_sY0_ttab, &qon_pax_kernel_sY0I_ttab, "Y0", false);
+    expect_strided_like_contiguous<double>(&qon_pax_kernel_dYn_ttab, &qon_pax_kernel_dYnI_ttab, "Yn", true);
+    expect_strided_like_contiguous<float>(&qon_pax_kernel_sJn_ttab, &qon_pax_kernel_sJnI_ttab, "Jn", true);
+    // The offending element's index: the second element (-1) of ErfInv.
+    std::vector<double> a = {0.5, 0, -1, 0}, r(4, 0);
+    seen = Seen{};
+    paxdErfInvI(2, a.data(), 2, r.data(), 2);
+    EXPECT_EQ(seen.count, 1);
+    EXPECT_EQ(seen.index, 1);
+    EXPECT_EQ(seen.code, PAX_STATUS_SING);
+}
+
+TEST_F(SpecialStatus, NonPositiveCountsTouchNothing) {
+    double a = 1, r = 42;
+    for (int n : {0, -1, INT_MIN}) {
+        paxdErfInv(n, &a, &r);
+        paxdTGamma(n, &a, &r);
+        paxdJn(n, &a, 3, &r);
+        paxdCdfNormInvI(n, &a, 1, &r, 1);
+    }
+    EXPECT_EQ(r, 42);
+    EXPECT_EQ(seen.count, 0);
+}
+
+}  // namespace
