@@ -3,8 +3,8 @@
 // SLEEF's AVX2 u10 variants (SLEEF has no u35 exponential), at n = 1000 and n = 1,000,000.
 //
 // Arguments: uniform in [-700, 700] (double) and [-85, 85] (float), fixed seed. Counters:
-//   tsc_per_elem   TSC cycles per element (thread CPU time times the TSC rate, so time lost to
-//                  other processes on a shared machine does not count)
+//   tsc_per_elem   TSC cycles per element of the fastest call (on a shared machine the
+//                  fastest call is the one least disturbed by other processes)
 //   vs_<peer>      peer time / this row's time at the same n (above 1: this row is faster);
 //                  the peers run first, so each qon row carries its ratios.
 // Run: qon_bench_vm_exp --benchmark_repetitions=5 --benchmark_report_aggregates_only=true
@@ -13,8 +13,8 @@
 #include <qon/qon_pax.h>
 #include <x86intrin.h>
 
+#include <algorithm>
 #include <cmath>
-#include <ctime>
 #include <map>
 #include <random>
 #include <string>
@@ -44,26 +44,6 @@ const std::vector<T> &arguments(std::size_t n) {
     return v;
 }
 
-// TSC ticks per nanosecond, calibrated once against the monotonic clock.
-double tsc_per_ns() {
-    static const double rate = [] {
-        timespec t0, t1;
-        clock_gettime(CLOCK_MONOTONIC, &t0);
-        const unsigned long long c0 = __rdtsc();
-        do clock_gettime(CLOCK_MONOTONIC, &t1);
-        while ((t1.tv_sec - t0.tv_sec) * 1e9 + (t1.tv_nsec - t0.tv_nsec) < 5e7);
-        const double ns = (t1.tv_sec - t0.tv_sec) * 1e9 + (t1.tv_nsec - t0.tv_nsec);
-        return static_cast<double>(__rdtsc() - c0) / ns;
-    }();
-    return rate;
-}
-
-double thread_ns() {
-    timespec t;
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
-    return t.tv_sec * 1e9 + t.tv_nsec;
-}
-
 // TSC cycles per element of every row measured so far, by "<type><n>/<row>".
 std::map<std::string, double> &cycles() {
     static std::map<std::string, double> table;
@@ -77,13 +57,15 @@ void run(benchmark::State &state, const char *row, F f) {
     const auto n = static_cast<std::size_t>(state.range(0));
     const std::vector<T> &x = arguments<T>(n);
     std::vector<T> r(n);
-    const double t0 = thread_ns();
+    unsigned long long fastest = ~0ull;
     for (auto _ : state) {
+        const unsigned long long t0 = __rdtsc();
         f(static_cast<int>(n), x.data(), r.data());
         benchmark::DoNotOptimize(r.data());
         benchmark::ClobberMemory();
+        fastest = std::min(fastest, __rdtsc() - t0);
     }
-    const double per = (thread_ns() - t0) * tsc_per_ns() / (static_cast<double>(state.iterations()) * n);
+    const double per = static_cast<double>(fastest) / static_cast<double>(n);
     const std::string prefix = (sizeof(T) == 8 ? "d" : "s") + std::to_string(n) + "/";
     cycles()[prefix + row] = per;
     state.counters["tsc_per_elem"] = per;
