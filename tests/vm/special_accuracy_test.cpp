@@ -99,7 +99,10 @@ void check_InverseErrorFunctions() {
     acc::Spec cdfnorminv{{acc::uniform(0, 1), acc::log_uniform(tiny<T>, 1), acc::uniform(0.99999, 1)},
                          {{below_one, 0}, {0.5, 0}},
                          2048};
-    expect_u<T>("CdfNormInv", TABLE(CdfNormInv), [](Q p) { return p < 0.5 ? -sqrtq(2) * sp::erfcinv_q(2 * p) : sqrtq(2) * sp::erfcinv_q(2 - 2 * p); },
+    auto cdfnorminv_q = [](Q p) {
+        return p < 0.5 ? -sqrtq(2) * sp::erfcinv_q(2 * p) : sqrtq(2) * sp::erfcinv_q(2 - 2 * p);
+    };
+    expect_u<T>("CdfNormInv", TABLE(CdfNormInv), cdfnorminv_q,
                 cdfnorminv);
 }
 TEST(SpecialAccuracy, InverseErrorFunctions) {
@@ -171,7 +174,9 @@ void check_BesselIntegerOrders() {
         std::string jname = full_name<T>("Jn") + " order " + std::to_string(nu);
         std::string yname = full_name<T>("Yn") + " order " + std::to_string(nu);
         // J_nu(+-inf) = 0 with the sign of the odd function's parity.
-        auto jref = [nu](Q x, Q) { return isinfq(x) ? (nu % 2 != 0 && (x < 0) != (nu < 0) ? -Q(0) : Q(0)) : jnq(nu, x); };
+        auto jref = [nu](Q x, Q) {
+            return isinfq(x) ? (nu % 2 != 0 && (x < 0) != (nu < 0) ? -Q(0) : Q(0)) : jnq(nu, x);
+        };
         auto yref = [nu](Q x, Q) { return x < 0 ? nanq("") : isinfq(x) ? Q(0) : ynq(nu, x); };
         acc::Spec below{{acc::log_both_signs(tiny<T>, 0.9 * n), acc::uniform(-0.9 * n, 0.9 * n)}, {}, 4096};
         acc::Spec below_positive{{acc::log_uniform(tiny<T>, 0.9 * n), acc::uniform(0, 0.9 * n)}, {}, 2048};

@@ -215,13 +215,16 @@ void expect_strided_like_contiguous(Table contiguous, Table strided, const char 
     }
 }
 
+#define STRIDED(T, t, Func, order) \
+    expect_strided_like_contiguous<T>(&qon_pax_kernel_##t##Func##_ttab, &qon_pax_kernel_##t##Func##I_ttab, #Func, order)
+
 TEST_F(SpecialStatus, StridedFormsMatchContiguous) {
-    expect_strided_like_contiguous<double>(&qon_pax_kernel_dErfInv_ttab, &qon_pax_kernel_dErfInvI_ttab, "ErfInv", false);
-    expect_strided_like_contiguous<float>(&qon_pax_kernel_sErfInv_ttab, &qon_pax_kernel_sErfInvI_ttab, "ErfInv", false);
-    expect_strided_like_contiguous<double>(&qon_pax_kernel_dTGamma_ttab, &qon_pax_kernel_dTGammaI_ttab, "TGamma", false);
-    expect_strided_like_contiguous<float>(&qon_pax_kernel_sY0_ttab, &qon_pax_kernel_sY0I_ttab, "Y0", false);
-    expect_strided_like_contiguous<double>(&qon_pax_kernel_dYn_ttab, &qon_pax_kernel_dYnI_ttab, "Yn", true);
-    expect_strided_like_contiguous<float>(&qon_pax_kernel_sJn_ttab, &qon_pax_kernel_sJnI_ttab, "Jn", true);
+    STRIDED(double, d, ErfInv, false);
+    STRIDED(float, s, ErfInv, false);
+    STRIDED(double, d, TGamma, false);
+    STRIDED(float, s, Y0, false);
+    STRIDED(double, d, Yn, true);
+    STRIDED(float, s, Jn, true);
     // The offending element's index: the second element (-1) of ErfInv.
     std::vector<double> a = {0.5, 0, -1, 0}, r(4, 0);
     seen = Seen{};

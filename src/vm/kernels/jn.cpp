@@ -23,11 +23,7 @@ struct Jn {
         }
         LD ax = std::fabs(LD(x));
         if (n > 1 && log_j_bound(n, ax) < -800) return finish(x, odd_negative ? -0.0L : 0.0L, r);
-        LD v;
-        if (nu == std::numeric_limits<int>::min())
-            v = order_2_31([](int m, LD t) { return jnl(m, t); }, ax);
-        else
-            v = extended<A, T>(false) ? jnl(nu, x) : LD(jn(nu, double(x)));
+        LD v = integer_order<A>(nu, x, [](int m, LD t) { return jnl(m, t); }, [](int m, double t) { return jn(m, t); });
         return finish(x, v, r);
     }
 };

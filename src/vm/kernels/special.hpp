@@ -3,11 +3,14 @@
 // once to the result type: an extended-precision value with a relative error of a few units of
 // 2^-64 rounds to within 0.5 + 2^-9 ulp of double and 0.5 + 2^-38 ulp of float.
 //
-// Here: rounding with the overflow and underflow statuses, e^(+-z^2) free of the rounding error
-// of z^2, the scaled complementary error function erfcx, and the inverse error functions, which
-// refine an initial estimate (relative error below 3e-3 over the whole range) by Halley's method
-// on erf (arguments up to 1/2) or erfc (the tails, so that 1 - |x| keeps full relative accuracy
-// down to the smallest subnormal); two or three steps reach 2^-64.
+// Here: rounding with the overflow and underflow statuses, the choice between the C library's
+// extended and double functions per slot, e^(+-z^2) free of the rounding error of z^2, the
+// scaled complementary error function erfcx, I0 and I1, the large-order bounds and order -2^31
+// of the integer-order Bessel functions, the special arguments of the second kind, and the
+// inverse error functions, which refine an initial estimate (relative error below 3e-3 over the
+// whole range) by Halley's method on erf (arguments up to 1/2) or erfc (the tails, so that
+// 1 - |x| keeps full relative accuracy down to the smallest subnormal); two or three steps
+// reach 2^-64.
 #pragma once
 
 #include <qon/qon_pax.h>
@@ -122,12 +125,32 @@ inline LD log_y_bound(unsigned n, LD x) {
     return n * std::log(2 / x) + lgammal_r(LD(n), &sign) - std::log(pi);
 }
 
-// Order -2^31, which the C library's functions cannot take: f_(2^31) = f_(-2^31) for J and Y
-// (even order), from one step of the three-term recurrence f_(m+1) = (2m/x) f_m - f_(m-1).
-template <class F>
-LD order_2_31(F f, LD x) {
+// J or Y of integer order through the C library: its extended function (by_extended) or its
+// double one (by_double) as slot A says. Order -2^31, which those cannot take, equals order 2^31
+// (even) and comes in extended precision from one step of the three-term recurrence
+// f_(m+1) = (2m/x) f_m - f_(m-1), m = 2^31 - 1.
+template <int A, class T, class FX, class FD>
+LD integer_order(int nu, T x, FX by_extended, FD by_double) {
     constexpr int m = std::numeric_limits<int>::max();
-    return 2 * LD(m) / x * f(m, x) - f(m - 1, x);
+    if (nu == std::numeric_limits<int>::min()) {
+        LD ax = std::fabs(LD(x));
+        return 2 * LD(m) / ax * by_extended(m, ax) - by_extended(m - 1, ax);
+    }
+    return extended<A, T>(false) ? by_extended(nu, LD(x)) : LD(by_double(nu, double(x)));
+}
+
+// The arguments of a Bessel function of the second kind that need no evaluation: NaN, x < 0
+// (NaN, status 1), +-0 (the pole's infinity, status 2) and +inf (+0). True when r and status
+// are set.
+template <class T>
+bool second_kind_special(T x, T pole, T &r, int &status) {
+    status = PAX_STATUS_OK;
+    if (std::isnan(x)) r = x;
+    else if (x < 0) r = quiet_nan<T>, status = PAX_STATUS_ERRDOM;
+    else if (x == 0) r = pole, status = PAX_STATUS_SING;
+    else if (std::isinf(x)) r = T(0);
+    else return false;
+    return true;
 }
 
 // Initial estimate of erfinv from L = ln(1 - x^2): the closed form

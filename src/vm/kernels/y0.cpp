@@ -12,10 +12,8 @@ using namespace qon::vm::special;
 struct Y0 {
     template <int A, class T>
     static int eval(T x, T &r) {
-        if (std::isnan(x)) return give(x, r, PAX_STATUS_OK);
-        if (x < 0) return give(quiet_nan<T>, r, PAX_STATUS_ERRDOM);
-        if (x == 0) return give(-infinity<T>, r, PAX_STATUS_SING);
-        if (std::isinf(x)) return give(T(0), r, PAX_STATUS_OK);
+        int status;
+        if (second_kind_special(x, -infinity<T>, r, status)) return status;
         r = extended<A, T>(false) ? static_cast<T>(y0l(x)) : static_cast<T>(y0(double(x)));
         return PAX_STATUS_OK;
     }

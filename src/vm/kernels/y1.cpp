@@ -13,10 +13,8 @@ using namespace qon::vm::special;
 struct Y1 {
     template <int A, class T>
     static int eval(T x, T &r) {
-        if (std::isnan(x)) return give(x, r, PAX_STATUS_OK);
-        if (x < 0) return give(quiet_nan<T>, r, PAX_STATUS_ERRDOM);
-        if (x == 0) return give(-infinity<T>, r, PAX_STATUS_SING);
-        if (std::isinf(x)) return give(T(0), r, PAX_STATUS_OK);
+        int status;
+        if (second_kind_special(x, -infinity<T>, r, status)) return status;
         return finish(x, extended<A, T>(false) ? y1l(x) : LD(y1(double(x))), r);
     }
 };

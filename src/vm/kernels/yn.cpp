@@ -14,18 +14,12 @@ using namespace qon::vm::special;
 struct Yn {
     template <int A, class T>
     static int eval(T x, int nu, T &r) {
-        if (std::isnan(x)) return give(x, r, PAX_STATUS_OK);
-        if (x < 0) return give(quiet_nan<T>, r, PAX_STATUS_ERRDOM);
         unsigned n = nu < 0 ? 0u - static_cast<unsigned>(nu) : static_cast<unsigned>(nu);
         T pole = (n & 1) != 0 && nu < 0 ? infinity<T> : -infinity<T>;
-        if (x == 0) return give(pole, r, PAX_STATUS_SING);
-        if (std::isinf(x)) return give(T(0), r, PAX_STATUS_OK);
+        int status;
+        if (second_kind_special(x, pole, r, status)) return status;
         if (n > 1 && log_y_bound(n, x) > 800) return give(pole, r, PAX_STATUS_OVERFLOW);
-        LD v;
-        if (nu == std::numeric_limits<int>::min())
-            v = order_2_31([](int m, LD t) { return ynl(m, t); }, x);
-        else
-            v = extended<A, T>(false) ? ynl(nu, x) : LD(yn(nu, double(x)));
+        LD v = integer_order<A>(nu, x, [](int m, LD t) { return ynl(m, t); }, [](int m, double t) { return yn(m, t); });
         return finish(x, v, r);
     }
 };
