@@ -27,6 +27,9 @@ constexpr double big = std::numeric_limits<T>::max();
 template <class T>
 constexpr bool is_double = sizeof(T) == sizeof(double);
 
+// A default sample count per region, raised by QON_ACCURACY_SAMPLES for a big run.
+long long count(long long default_count) { return acc::sample_count(default_count); }
+
 template <class T>
 std::string full_name(const char *name) {
     return std::string(is_double<T> ? "d" : "s") + name;
@@ -63,9 +66,9 @@ Table pick(Table s, Table d) {
 template <class T>
 void check_ErrorFunctions() {
     expect_u<T>("Erf", TABLE(Erf), [](Q x) { return erfq(x); },
-                {{acc::uniform(-6, 6), acc::log_both_signs(tiny<T>, 6)}, {}, 4096});
+                {{acc::uniform(-6, 6), acc::log_both_signs(tiny<T>, 6)}, {}, count(4096)});
     expect_u<T>("Erfc", TABLE(Erfc), [](Q x) { return erfcq(x); },
-                {{acc::uniform(-6, is_double<T> ? 28 : 11), acc::log_both_signs(tiny<T>, 30)}, {}, 4096});
+                {{acc::uniform(-6, is_double<T> ? 28 : 11), acc::log_both_signs(tiny<T>, 30)}, {}, count(4096)});
     // erfcx = e^(x^2) erfc(x): x^2 is exact in quad; beyond 100 the asymptotic series.
     auto erfcx = [](Q x) -> Q {
         if (isinfq(x)) return x > 0 ? 0 : HUGE_VALQ;
@@ -75,9 +78,11 @@ void check_ErrorFunctions() {
         return sum / (x * sqrtq(sp::q_pi()));
     };
     expect_u<T>("Erfcx", TABLE(Erfcx), erfcx,
-                {{acc::uniform(-27, 30), acc::uniform(20, 200), acc::log_both_signs(tiny<T>, big<T>)}, {}, 4096});
+                {{acc::uniform(-27, 30), acc::uniform(20, 200), acc::log_both_signs(tiny<T>, big<T>)},
+                 {},
+                 count(4096)});
     expect_u<T>("CdfNorm", TABLE(CdfNorm), [](Q x) { return erfcq(-x / sqrtq(2)) / 2; },
-                {{acc::uniform(is_double<T> ? -40 : -14, 10), acc::log_both_signs(tiny<T>, 40)}, {}, 4096});
+                {{acc::uniform(is_double<T> ? -40 : -14, 10), acc::log_both_signs(tiny<T>, 40)}, {}, count(4096)});
 }
 TEST(SpecialAccuracy, ErrorFunctions) {
     check_ErrorFunctions<float>();
@@ -90,15 +95,15 @@ void check_InverseErrorFunctions() {
     T below_one = std::nextafter(T(1), T(0));
     acc::Spec erfinv{{acc::uniform(-1, 1), acc::log_both_signs(tiny<T>, 1), acc::uniform(0.99999, 1)},
                      {{below_one, 0}, {-below_one, 0}, {1 - L::epsilon() * 8, 0}},
-                     2048};
+                     count(2048)};
     expect_u<T>("ErfInv", TABLE(ErfInv), sp::erfinv_q, erfinv);
     acc::Spec erfcinv{{acc::uniform(0, 2), acc::log_uniform(tiny<T>, 2), acc::uniform(1.99999, 2)},
                       {{std::nextafter(T(2), T(0)), 0}, {T(1) + L::epsilon(), 0}},
-                      2048};
+                      count(2048)};
     expect_u<T>("ErfcInv", TABLE(ErfcInv), sp::erfcinv_q, erfcinv);
     acc::Spec cdfnorminv{{acc::uniform(0, 1), acc::log_uniform(tiny<T>, 1), acc::uniform(0.99999, 1)},
                          {{below_one, 0}, {0.5, 0}},
-                         2048};
+                         count(2048)};
     auto cdfnorminv_q = [](Q p) {
         return p < 0.5 ? -sqrtq(2) * sp::erfcinv_q(2 * p) : sqrtq(2) * sp::erfcinv_q(2 - 2 * p);
     };
@@ -114,10 +119,12 @@ template <class T>
 void check_GammaFunctions() {
     double top = is_double<T> ? 175 : 40;
     expect_u<T>("TGamma", TABLE(TGamma), [](Q x) { return tgammaq(x); },
-                {{acc::uniform(-top - 10, top), acc::uniform(-5, 5), acc::log_both_signs(tiny<T>, top)}, {}, 4096});
+                {{acc::uniform(-top - 10, top), acc::uniform(-5, 5), acc::log_both_signs(tiny<T>, top)},
+                 {},
+                 count(4096)});
     // Positive arguments relatively (the zeros 1 and 2 included); negative ones against 1.
     expect_u<T>("LGamma", TABLE(LGamma), [](Q x) { return isinfq(x) ? HUGE_VALQ : lgammaq(x); },
-                {{acc::uniform(0, 10), acc::uniform(0.99, 2.01), acc::log_uniform(tiny<T>, big<T>)}, {}, 4096});
+                {{acc::uniform(0, 10), acc::uniform(0.99, 2.01), acc::log_uniform(tiny<T>, big<T>)}, {}, count(4096)});
     expect_envelope<T>(full_name<T>("LGamma"), sp::caller_u<T>(TABLE(LGamma)), [](Q x) { return lgammaq(x); },
                        [](double) { return 1.0; }, -top, 0, 4096);
 }
@@ -129,11 +136,11 @@ TEST(SpecialAccuracy, GammaFunctions) {
 template <class T>
 void check_ExponentialIntegralAndModifiedBessel() {
     expect_u<T>("ExpInt1", TABLE(ExpInt1), sp::expint1_q,
-                {{acc::uniform(0, 60), acc::log_uniform(tiny<T>, 800)}, {}, 1024});
+                {{acc::uniform(0, 60), acc::log_uniform(tiny<T>, 800)}, {}, count(1024)});
     expect_u<T>("I0", TABLE(I0), [](Q x) { return sp::bessel_i_q(0, x); },
-                {{acc::uniform(-40, 40), acc::log_both_signs(tiny<T>, 750)}, {}, 1024});
+                {{acc::uniform(-40, 40), acc::log_both_signs(tiny<T>, 750)}, {}, count(1024)});
     expect_u<T>("I1", TABLE(I1), [](Q x) { return sp::bessel_i_q(1, x); },
-                {{acc::uniform(-40, 40), acc::log_both_signs(tiny<T>, 750)}, {}, 1024});
+                {{acc::uniform(-40, 40), acc::log_both_signs(tiny<T>, 750)}, {}, count(1024)});
 }
 TEST(SpecialAccuracy, ExponentialIntegralAndModifiedBessel) {
     check_ExponentialIntegralAndModifiedBessel<float>();
@@ -144,13 +151,13 @@ TEST(SpecialAccuracy, ExponentialIntegralAndModifiedBessel) {
 template <class T>
 void check_BesselOrdersZeroAndOne() {
     expect_u<T>("J0", TABLE(J0), [](Q x) { return isinfq(x) ? 0 : j0q(x); },
-                {{acc::uniform(-2.3, 2.3), acc::log_both_signs(tiny<T>, 2.3)}, {}, 4096});
+                {{acc::uniform(-2.3, 2.3), acc::log_both_signs(tiny<T>, 2.3)}, {}, count(4096)});
     expect_u<T>("J1", TABLE(J1), [](Q x) { return isinfq(x) ? copysignq(0, x) : j1q(x); },
-                {{acc::uniform(-3.8, 3.8), acc::log_both_signs(tiny<T>, 3.8)}, {}, 4096});
+                {{acc::uniform(-3.8, 3.8), acc::log_both_signs(tiny<T>, 3.8)}, {}, count(4096)});
     expect_u<T>("Y0", TABLE(Y0), [](Q x) { return x < 0 ? nanq("") : isinfq(x) ? 0 : y0q(x); },
-                {{acc::uniform(0, 0.85), acc::log_uniform(tiny<T>, 0.85)}, {}, 4096});
+                {{acc::uniform(0, 0.85), acc::log_uniform(tiny<T>, 0.85)}, {}, count(4096)});
     expect_u<T>("Y1", TABLE(Y1), [](Q x) { return x < 0 ? nanq("") : isinfq(x) ? 0 : y1q(x); },
-                {{acc::uniform(0, 2.1), acc::log_uniform(tiny<T>, 2.1)}, {}, 4096});
+                {{acc::uniform(0, 2.1), acc::log_uniform(tiny<T>, 2.1)}, {}, count(4096)});
     for (auto [lo, hi] : {std::pair{0.8, 100.0}, std::pair{100.0, 1e6}}) {
         expect_envelope<T>(full_name<T>("J0"), sp::caller_u<T>(TABLE(J0)), [](Q x) { return j0q(x); },
                            bessel_envelope, -hi, -lo, 2048);
@@ -178,8 +185,8 @@ void check_BesselIntegerOrders() {
             return isinfq(x) ? (nu % 2 != 0 && (x < 0) != (nu < 0) ? -Q(0) : Q(0)) : jnq(nu, x);
         };
         auto yref = [nu](Q x, Q) { return x < 0 ? nanq("") : isinfq(x) ? Q(0) : ynq(nu, x); };
-        acc::Spec below{{acc::log_both_signs(tiny<T>, 0.9 * n), acc::uniform(-0.9 * n, 0.9 * n)}, {}, 4096};
-        acc::Spec below_positive{{acc::log_uniform(tiny<T>, 0.9 * n), acc::uniform(0, 0.9 * n)}, {}, 2048};
+        acc::Spec below{{acc::log_both_signs(tiny<T>, 0.9 * n), acc::uniform(-0.9 * n, 0.9 * n)}, {}, count(4096)};
+        acc::Spec below_positive{{acc::log_uniform(tiny<T>, 0.9 * n), acc::uniform(0, 0.9 * n)}, {}, count(2048)};
         acc::expect_accuracy<T>(jname.c_str(), acc::measure<T>(sp::caller_nu<T>(TABLE(Jn), nu), jref, below, false));
         acc::expect_accuracy<T>(yname.c_str(),
                                 acc::measure<T>(sp::caller_nu<T>(TABLE(Yn), nu), yref, below_positive, false));
