@@ -15,6 +15,7 @@
 
 #include "common/accuracy.hpp"
 #include "vm/complex_reference.hpp"
+#include "vm/exp_reports.hpp"
 
 namespace {
 
@@ -74,25 +75,8 @@ TEST(ComplexExpAccuracy, SingleBothParts) {
 
 // ---- special values and statuses ------------------------------------------------------------
 
-struct Seen {
-    int code, index;
-    std::string name;
-};
-std::vector<Seen> seen;
-int record(PaxErrorContext *ctx) {
-    seen.push_back({ctx->code, ctx->index, ctx->function_name});
-    return 0;
-}
-
-class ComplexExp : public ::testing::Test {
-protected:
-    void SetUp() override {
-        saved_ = paxSetErrorCallBack(record);
-        seen.clear();
-    }
-    void TearDown() override { paxSetErrorCallBack(saved_); }
-    PaxErrorCallBack saved_ = nullptr;
-};
+using ComplexExp = qon::test::exp::Recorded;
+using qon::test::exp::reports;
 
 constexpr double inf = std::numeric_limits<double>::infinity();
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
@@ -133,12 +117,12 @@ TEST_F(ComplexExp, AnnexGSpecialValuesAndTheirStatuses) {
     };
     for (auto zExp : {paxzExp, paxzExp_50, paxzExp_26}) {
         for (const Case &c : cases) {
-            seen.clear();
+            reports.clear();
             std::complex<double> r;
             zExp(1, reinterpret_cast<const QON_Complex16 *>(&c.z), reinterpret_cast<QON_Complex16 *>(&r));
             EXPECT_TRUE(matches(r.real(), c.want.real())) << c.z << " -> " << r;
             EXPECT_TRUE(matches(r.imag(), c.want.imag())) << c.z << " -> " << r;
-            EXPECT_EQ(seen.empty() ? 0 : seen[0].code, c.code) << c.z;
+            EXPECT_EQ(reports.empty() ? 0 : reports[0].code, c.code) << c.z;
         }
     }
 }
@@ -148,17 +132,17 @@ TEST_F(ComplexExp, OverflowAndUnderflowOfEitherPart) {
                                       {0.0, 1e-310}, {1.0, 2.0}};
     std::complex<double> r[6];
     paxzExp(6, reinterpret_cast<const QON_Complex16 *>(z), reinterpret_cast<QON_Complex16 *>(r));
-    ASSERT_EQ(seen.size(), 4u);
-    EXPECT_EQ(seen[0].index, 0);
-    EXPECT_EQ(seen[0].code, PAX_STATUS_OVERFLOW);
-    EXPECT_EQ(seen[1].index, 1);  // the real part stays finite, the imaginary one overflows
+    ASSERT_EQ(reports.size(), 4u);
+    EXPECT_EQ(reports[0].index, 0);
+    EXPECT_EQ(reports[0].code, PAX_STATUS_OVERFLOW);
+    EXPECT_EQ(reports[1].index, 1);  // the real part stays finite, the imaginary one overflows
     EXPECT_TRUE(std::isfinite(r[1].real()));
     EXPECT_EQ(r[1].imag(), inf);
-    EXPECT_EQ(seen[2].index, 2);
-    EXPECT_EQ(seen[2].code, PAX_STATUS_UNDERFLOW);
-    EXPECT_EQ(seen[2].name, "paxzExp");
-    EXPECT_EQ(seen[3].index, 3);  // e^-700 * 1e-20 is below the smallest subnormal
-    EXPECT_EQ(seen[3].code, PAX_STATUS_UNDERFLOW);
+    EXPECT_EQ(reports[2].index, 2);
+    EXPECT_EQ(reports[2].code, PAX_STATUS_UNDERFLOW);
+    EXPECT_EQ(reports[2].name, "paxzExp");
+    EXPECT_EQ(reports[3].index, 3);  // e^-700 * 1e-20 is below the smallest subnormal
+    EXPECT_EQ(reports[3].code, PAX_STATUS_UNDERFLOW);
     EXPECT_TRUE(std::isnormal(r[3].real()));
     EXPECT_EQ(r[3].imag(), 0.0);
     EXPECT_EQ(r[4], std::complex<double>(1.0, 1e-310));  // a subnormal argument is not reported
@@ -169,11 +153,11 @@ TEST_F(ComplexExp, SingleStatusesAndStridedName) {
     const std::complex<float> z[] = {{89.0f, 0.5f}, {0.5f, 0.5f}, {-110.0f, 0.5f}, {1.0f, 1.0f}};
     std::complex<float> r[4];
     paxcExpI(2, reinterpret_cast<const QON_Complex8 *>(z), 2, reinterpret_cast<QON_Complex8 *>(r), 2);
-    ASSERT_EQ(seen.size(), 2u);
-    EXPECT_EQ(seen[0].code, PAX_STATUS_OVERFLOW);
-    EXPECT_EQ(seen[1].code, PAX_STATUS_UNDERFLOW);
-    EXPECT_EQ(seen[1].index, 1);
-    EXPECT_EQ(seen[1].name, "paxcExpI");
+    ASSERT_EQ(reports.size(), 2u);
+    EXPECT_EQ(reports[0].code, PAX_STATUS_OVERFLOW);
+    EXPECT_EQ(reports[1].code, PAX_STATUS_UNDERFLOW);
+    EXPECT_EQ(reports[1].index, 1);
+    EXPECT_EQ(reports[1].name, "paxcExpI");
     EXPECT_EQ(r[2], std::complex<float>(0.0f, 0.0f));
 }
 

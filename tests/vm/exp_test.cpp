@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "common/accuracy.hpp"
+#include "vm/exp_reports.hpp"
 #include "vm/kernels/exp_tables.hpp"
 
 namespace {
@@ -34,40 +35,9 @@ bool same_bits(T a, T b) {
     return std::memcmp(&a, &b, sizeof a) == 0;
 }
 
-// Every element the error path reported to the call-back.
-struct Report {
-    int code, index;
-    double arg, res;
-    std::string name;
-};
-std::vector<Report> reports;
-double replacement = 0;  // a non-zero value is stored by the call-back in res1
-int record(PaxErrorContext *ctx) {
-    reports.push_back({ctx->code, ctx->index, ctx->arg1, ctx->res1, ctx->function_name});
-    if (replacement != 0) ctx->res1 = replacement;
-    return 0;
-}
-
-// Default mode with the recording call-back; everything restored afterwards.
-class ExpKernel : public ::testing::Test {
-protected:
-    void SetUp() override {
-        saved_mode_ = paxGetMode();
-        paxSetMode(PAX_ERRMODE_ERRNO | PAX_ERRMODE_CALLBACK);
-        saved_callback_ = paxSetErrorCallBack(record);
-        paxClearErrStatus();
-        reports.clear();
-        replacement = 0;
-    }
-    void TearDown() override {
-        paxSetErrorCallBack(saved_callback_);
-        paxSetMode(saved_mode_);
-        paxSetInterfInputVectorPointer(nullptr);
-        paxClearErrStatus();
-    }
-    unsigned saved_mode_ = 0;
-    PaxErrorCallBack saved_callback_ = nullptr;
-};
+using ExpKernel = qon::test::exp::Recorded;
+using qon::test::exp::replacement;
+using qon::test::exp::reports;
 
 using DKernel = void (*)(int, const double *, double *);
 using SKernel = void (*)(int, const float *, float *);
@@ -181,7 +151,7 @@ TEST_F(ExpKernel, UnderflowToSubnormalAndZero) {
         ASSERT_EQ(reports.size(), 2u);
         EXPECT_EQ(reports[0].code, PAX_STATUS_UNDERFLOW);
         EXPECT_EQ(reports[1].code, PAX_STATUS_UNDERFLOW);
-        EXPECT_EQ(reports[0].res, tiny);
+        EXPECT_EQ(reports[0].res1, tiny);
     }
 }
 
@@ -351,7 +321,7 @@ TEST_F(ExpKernel, CallBackReplacesTheResult) {
     EXPECT_EQ(r[2], 42.0);
     EXPECT_EQ(r[8], 42.0);
     EXPECT_EQ(r[3], one(paxdExp, 4.0));
-    EXPECT_EQ(reports[0].res, inf);
+    EXPECT_EQ(reports[0].res1, inf);
 }
 
 TEST_F(ExpKernel, InPlaceMatchesOutOfPlace) {
@@ -408,7 +378,7 @@ TEST_F(ExpKernel, OtherIncrementsGatherAndScatter) {
         EXPECT_EQ(reports[1].index, 140);
         EXPECT_EQ(reports[0].name, "paxdExpI");
         EXPECT_EQ(reports[0].arg, 760);
-        EXPECT_EQ(reports[0].res, inf);
+        EXPECT_EQ(reports[0].res1, inf);
         for (int i = 0; i < n; ++i) {
             const double want = i == 7 || i == 140 ? 3.0 : expect[i];
             ASSERT_TRUE(same_bits(r[i * incr], want)) << inca << " " << incr << " " << i;

@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "vm/exp_reports.hpp"
 #include "vm/kernels/simd.hpp"
 #include "vm/kernels/vector_driver.hpp"
 
@@ -150,26 +151,8 @@ struct Halves {
     }
 };
 
-struct Seen {
-    int code, index;
-    double arg, res1, res2;
-    std::string name;
-};
-std::vector<Seen> seen;
-int record(PaxErrorContext *ctx) {
-    seen.push_back({ctx->code, ctx->index, ctx->arg1, ctx->res1, ctx->res2, ctx->function_name});
-    return 0;
-}
-
-class VectorDriver : public ::testing::Test {
-protected:
-    void SetUp() override {
-        saved_ = paxSetErrorCallBack(record);
-        seen.clear();
-    }
-    void TearDown() override { paxSetErrorCallBack(saved_); }
-    PaxErrorCallBack saved_ = nullptr;
-};
+using VectorDriver = qon::test::exp::Recorded;
+using qon::test::exp::reports;
 
 template <class T, int G>
 void check_lengths_and_positions() {
@@ -180,7 +163,7 @@ void check_lengths_and_positions() {
             for (int i = 0; i < n; ++i) a[i] = T(i) - T(7);
             if (p >= 0) a[p] = T(1000 + p);
             if (n > 2 && p != 1) a[1] = std::numeric_limits<T>::quiet_NaN();
-            seen.clear();
+            reports.clear();
             K::contiguous(n, a.data(), {{r1.data(), r2.data()}}, "probe");
             for (int i = 0; i < n; ++i) {
                 const bool redo = a[i] > T(100) || std::isnan(a[i]);
@@ -189,13 +172,13 @@ void check_lengths_and_positions() {
             }
             ASSERT_EQ(r1[n], T(9));
             ASSERT_EQ(r2[n], T(9));
-            ASSERT_EQ(seen.size(), p >= 0 ? 1u : 0u) << n << " " << p;
+            ASSERT_EQ(reports.size(), p >= 0 ? 1u : 0u) << n << " " << p;
             if (p >= 0) {
-                EXPECT_EQ(seen[0].index, p);
-                EXPECT_EQ(seen[0].code, PAX_STATUS_OVERFLOW);
-                EXPECT_EQ(seen[0].res1, -1.0);  // stored before the report
-                EXPECT_EQ(seen[0].res2, double(T(1000 + p)));
-                EXPECT_EQ(seen[0].name, "probe");
+                EXPECT_EQ(reports[0].index, p);
+                EXPECT_EQ(reports[0].code, PAX_STATUS_OVERFLOW);
+                EXPECT_EQ(reports[0].res1, -1.0);  // stored before the report
+                EXPECT_EQ(reports[0].res2, double(T(1000 + p)));
+                EXPECT_EQ(reports[0].name, "probe");
             }
         }
     }
@@ -214,22 +197,22 @@ TEST_F(VectorDriver, StridedBlocksMatchTheContiguousRun) {
     for (int i = 0; i < n; ++i) packed[i] = i % 37 == 5 ? 500.0 + i : 0.75 * i - 20;
     std::vector<double> e1(n), e2(n);
     K::contiguous(n, packed.data(), {{e1.data(), e2.data()}}, "probe");
-    const auto contiguous = seen;
+    const auto contiguous = reports;
     for (auto [inca, inc1, inc2] : {std::tuple{2, 1, 3}, std::tuple{1, 4, 1}, std::tuple{3, 3, 3}}) {
         std::vector<double> a(n * inca), r1(n * inc1, 0.0), r2(n * inc2, 0.0);
         for (int i = 0; i < n; ++i) a[i * inca] = packed[i];
-        seen.clear();
+        reports.clear();
         K::strided(n, a.data(), inca, {{r1.data(), r2.data()}}, {inc1, inc2}, "probeI");
         for (int i = 0; i < n; ++i) {
             ASSERT_TRUE(same_bits(r1[i * inc1], e1[i])) << i;
             ASSERT_TRUE(same_bits(r2[i * inc2], e2[i])) << i;
         }
-        ASSERT_EQ(seen.size(), contiguous.size());
-        for (std::size_t k = 0; k < seen.size(); ++k) {
-            EXPECT_EQ(seen[k].index, contiguous[k].index);
-            EXPECT_EQ(seen[k].arg, contiguous[k].arg);
-            EXPECT_EQ(seen[k].res2, contiguous[k].res2);
-            EXPECT_EQ(seen[k].name, "probeI");
+        ASSERT_EQ(reports.size(), contiguous.size());
+        for (std::size_t k = 0; k < reports.size(); ++k) {
+            EXPECT_EQ(reports[k].index, contiguous[k].index);
+            EXPECT_EQ(reports[k].arg, contiguous[k].arg);
+            EXPECT_EQ(reports[k].res2, contiguous[k].res2);
+            EXPECT_EQ(reports[k].name, "probeI");
         }
     }
 }
@@ -243,7 +226,7 @@ TEST_F(VectorDriver, InPlaceFirstResult) {
     EXPECT_EQ(a[20], -1.0f);
     EXPECT_EQ(r2[20], 300.0f);  // the scalar routine saw the argument, not the stored result
     EXPECT_EQ(r2[44], 300.0f);
-    ASSERT_EQ(seen.size(), 2u);
+    ASSERT_EQ(reports.size(), 2u);
 }
 
 }  // namespace

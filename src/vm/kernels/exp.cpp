@@ -45,6 +45,12 @@ constexpr std::uint64_t neg_shifter = 0xC338000000000000;  // -1.5*2^52
 constexpr std::uint64_t sign_clear = 0x7FFFFFFFFFFFFFFF;
 constexpr std::uint64_t exponent_bits = 0xFFF0000000000000;
 
+// x - n*(hi + lo) for a step split in two constants (given by their bits): n*hi is exact.
+template <class V>
+V reduce(V x, V n, typename Traits<V>::U hi, typename Traits<V>::U lo) {
+    return neg_mul_add(n, constant<V>(lo), neg_mul_add(n, constant<V>(hi), x));
+}
+
 // ---- the scalar routine -----------------------------------------------------------------------
 
 struct ScalarConstants {
@@ -93,7 +99,7 @@ int exp_scalar(double x, double &r) {
     const auto N = static_cast<std::int64_t>(std::bit_cast<std::uint64_t>(y) - std::bit_cast<std::uint64_t>(C::shifter));
     double s = std::fma(n, C::neg_step_hi, x);
     s = std::fma(n, C::neg_step_lo, s);
-    const double poly = std::fma(std::fma(std::fma(std::fma(C::p6, s, C::p5), s, C::p4), s, C::p3), s, C::p2);
+    const double poly = horner(s, C::p6, C::p5, C::p4, C::p3, C::p2);
     const double p = std::fma(s * s, poly, s);
     const auto [hi, lo] = t2[N & 63];
     const int k = static_cast<int>(N >> 6);
@@ -154,7 +160,7 @@ struct ExpEP : Step128 {
         const V y = shifted(x);
         const V n = y + constant<V>(neg_shifter);
         const V s = neg_mul_add(n, constant<V>(step), x);
-        const V p = mul_add(mul_add(constant<V>(c2), s, one), s, one);
+        const V p = horner(s, constant<V>(c2), one, one);
         return scale(table(y) * p, y);
     }
 };
@@ -171,10 +177,8 @@ struct ExpLA : Step128 {
     static V eval(V x) {
         const V y = shifted(x);
         const V n = y + constant<V>(neg_shifter);
-        V s = neg_mul_add(n, constant<V>(step_hi), x);
-        s = neg_mul_add(n, constant<V>(step_lo), s);
-        const V poly =
-            mul_add(mul_add(mul_add(constant<V>(c5), s, constant<V>(c4)), s, constant<V>(c3)), s, constant<V>(c2));
+        const V s = reduce(x, n, step_hi, step_lo);
+        const V poly = horner(s, constant<V>(c5), constant<V>(c4), constant<V>(c3), constant<V>(c2));
         const V p = mul_add(s * s, poly, s);
         const V t = table(y);
         return scale(mul_add(t, p, t), y);
@@ -202,10 +206,8 @@ struct ExpHA {
         const auto offset = sixteen_n & splat_q<V>(0x3FF);             // byte offset of t3[N & 63]
         V hi, lo;
         gather_pairs<1>(&t3[0].hi, offset, hi, lo);
-        V s = neg_mul_add(n, constant<V>(step_hi), x);
-        s = neg_mul_add(n, constant<V>(step_lo), s);
-        const V poly = mul_add(mul_add(mul_add(constant<V>(q5), s, constant<V>(q4)), s, constant<V>(q3)), s,
-                               constant<V>(q2));
+        const V s = reduce(x, n, step_hi, step_lo);
+        const V poly = horner(s, constant<V>(q5), constant<V>(q4), constant<V>(q3), constant<V>(q2));
         const V p = mul_add(s * s, poly, s);
         const V q = hi + mul_add(p, hi, lo);
         return from_bits(bits(q) + (shl<42>(sixteen_n) & splat_q<V>(exponent_bits)));
@@ -253,7 +255,7 @@ struct ExpFloatEP : ExpFloat {
         const V one = splat<V>(1.0f);
         const V y = shifted(x);
         const V r = neg_mul_add(y - constant<V>(shifter), constant<V>(ln2), x);
-        const V p = mul_add(mul_add(mul_add(mul_add(constant<V>(c4), r, constant<V>(c3)), r, splat<V>(0.5f)), r, one), r, one);
+        const V p = horner(r, constant<V>(c4), constant<V>(c3), splat<V>(0.5f), one, one);
         return scale(p, y);
     }
 };
@@ -268,11 +270,8 @@ struct ExpFloatLA : ExpFloat {
     static V eval(V x) {
         const V y = shifted(x);
         const V n = y - constant<V>(shifter);
-        V r = neg_mul_add(n, constant<V>(ln2_hi), x);
-        r = neg_mul_add(n, constant<V>(ln2_lo), r);
-        const V poly = mul_add(
-            mul_add(mul_add(mul_add(constant<V>(c6), r, constant<V>(c5)), r, constant<V>(c4)), r, constant<V>(c3)), r,
-            splat<V>(0.5f));
+        const V r = reduce(x, n, ln2_hi, ln2_lo);
+        const V poly = horner(r, constant<V>(c6), constant<V>(c5), constant<V>(c4), constant<V>(c3), splat<V>(0.5f));
         return scale(mul_add(r * r, poly, r) + splat<V>(1.0f), y);
     }
 };
@@ -288,7 +287,7 @@ struct ExpFloatHA : ExpFloat {
         const D one = splat<D>(1.0);
         const D y = Step128::shifted(x);
         const D s = neg_mul_add(y + constant<D>(neg_shifter), constant<D>(ExpEP::step), x);
-        const D p = mul_add(mul_add(mul_add(constant<D>(sixth), s, splat<D>(0.5)), s, one), s, one);
+        const D p = horner(s, constant<D>(sixth), splat<D>(0.5), one, one);
         return Step128::scale(Step128::table(y) * p, y);
     }
     template <class V>

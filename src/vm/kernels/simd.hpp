@@ -16,7 +16,8 @@
 //   first_lanes<V>(m), load_first<V>(p, m), store_first(p, v, m)
 //                                              the first m lanes only (0 <= m <= lanes); the
 //                                              other lanes of a load read as 0, of a store stay
-//   + - * / , mul_add(a,b,c) = a*b+c, mul_sub = a*b-c, neg_mul_add = c-a*b (one rounding)
+//   + - * / , mul_add(a,b,c) = a*b+c, mul_sub = a*b-c, neg_mul_add = c-a*b (one rounding),
+//   horner(s, a, b, ...) = (a*s + b)*s + ... (highest degree first)
 //   abs, sqrt, min, max, round_nearest, floor, trunc
 //   lt le gt ge eq ne (ordered), gt_or_nan (a > b or unordered), is_nan
 //   mask_or, mask_and, mask_andnot(a, b) = a & ~b, any(m), lane_bits(m) (bit i = lane i),
@@ -180,6 +181,14 @@ template <class T>
 inline T mul_sub(T a, T b, T c) requires std::is_floating_point_v<T> { return std::fma(a, b, -c); }
 template <class T>
 inline T neg_mul_add(T a, T b, T c) requires std::is_floating_point_v<T> { return std::fma(-a, b, c); }
+
+// Horner's scheme over coefficients from the highest degree down: horner(s, a, b, c) =
+// (a*s + b)*s + c, each step one fused multiply-add.
+template <class V, class... R>
+inline V horner(V s, V a, V b, R... rest) {
+    if constexpr (sizeof...(rest) == 0) return mul_add(a, s, b);
+    else return horner(s, mul_add(a, s, b), rest...);
+}
 
 inline VD abs(VD a) { return {_mm256_andnot_pd(_mm256_set1_pd(-0.0), a.v)}; }
 inline VF abs(VF a) { return {_mm256_andnot_ps(_mm256_set1_ps(-0.0f), a.v)}; }
