@@ -72,6 +72,18 @@ void expect_report(const char *name, int slot, T x, T y, int status, const char 
     EXPECT_EQ(seen.name, std::string("pax") + (sizeof(T) == 4 ? "s" : "d") + name + suffix) << where;
 }
 
+// Runs call(r) for one element and checks its result (unless check_value is false, when the
+// result must be a subnormal or zero) and its report.
+template <class T, class Call>
+void check_call(const char *name, int slot, T x, T y, T want, int status, Call call, bool check_value = true) {
+    seen = Seen{};
+    T r = 0;
+    call(r);
+    if (check_value) EXPECT_TRUE(same(r, want)) << describe(name, slot, x, y) << " gave " << r;
+    else EXPECT_TRUE(r == 0 || std::fpclassify(r) == FP_SUBNORMAL) << describe(name, slot, x, y) << " gave " << r;
+    expect_report(name, slot, x, y, status);
+}
+
 #define TABLES(F) (std::is_same_v<T, float> ? &qon_pax_kernel_s##F##_ttab : &qon_pax_kernel_d##F##_ttab), #F
 
 template <class T>
@@ -165,12 +177,8 @@ template <class T>
 void run_unary() {
     for (const auto &c : unary_cases<T>()) {
         for (int slot = 0; slot < 3; ++slot) {
-            seen = Seen{};
-            T r = 0;
-            reinterpret_cast<void (*)(int, const T *, T *)>((*c.table)[slot])(1, &c.x, &r);
-            if (c.check_value) EXPECT_TRUE(same(r, c.want)) << describe(c.name, slot, c.x, c.x) << " gave " << r;
-            else EXPECT_TRUE(r == 0 || std::fpclassify(r) == FP_SUBNORMAL) << describe(c.name, slot, c.x, c.x);
-            expect_report(c.name, slot, c.x, c.x, c.status);
+            auto kernel = reinterpret_cast<void (*)(int, const T *, T *)>((*c.table)[slot]);
+            check_call(c.name, slot, c.x, c.x, c.want, c.status, [&](T &r) { kernel(1, &c.x, &r); }, c.check_value);
         }
     }
 }
@@ -247,11 +255,8 @@ template <class T>
 void run_binary() {
     for (const auto &c : binary_cases<T>()) {
         for (int slot = 0; slot < 3; ++slot) {
-            seen = Seen{};
-            T r = 0;
-            reinterpret_cast<void (*)(int, const T *, const T *, T *)>((*c.table)[slot])(1, &c.x, &c.y, &r);
-            EXPECT_TRUE(same(r, c.want)) << describe(c.name, slot, c.x, c.y) << " gave " << r;
-            expect_report(c.name, slot, c.x, c.y, c.status);
+            auto kernel = reinterpret_cast<void (*)(int, const T *, const T *, T *)>((*c.table)[slot]);
+            check_call(c.name, slot, c.x, c.y, c.want, c.status, [&](T &r) { kernel(1, &c.x, &c.y, &r); });
         }
     }
 }
@@ -280,25 +285,17 @@ void run_scalar_forms() {
               {L::min(), T(4), T(1), T(0), T(1), T(0), L::min() / 4, 4},
               {T(3), T(2), T(2), T(1), T(0.5), T(0), T(7), 0},
               {nan, T(2), T(2), T(1), T(0.5), T(0), nan, 0}};
-    qon_pax_kernel_fn const(&ptab)[3] = std::is_same_v<T, float> ? qon_pax_kernel_sPowx_ttab : qon_pax_kernel_dPowx_ttab;
-    qon_pax_kernel_fn const(&ltab)[3] =
-        std::is_same_v<T, float> ? qon_pax_kernel_sLinearFrac_ttab : qon_pax_kernel_dLinearFrac_ttab;
+    const bool single = std::is_same_v<T, float>;
+    qon_pax_kernel_fn const(&ptab)[3] = single ? qon_pax_kernel_sPowx_ttab : qon_pax_kernel_dPowx_ttab;
+    qon_pax_kernel_fn const(&ltab)[3] = single ? qon_pax_kernel_sLinearFrac_ttab : qon_pax_kernel_dLinearFrac_ttab;
     for (int slot = 0; slot < 3; ++slot) {
-        for (const auto &c : powx) {
-            seen = Seen{};
-            T r = 0;
-            reinterpret_cast<void (*)(int, const T *, T, T *)>(ptab[slot])(1, &c.x, c.b, &r);
-            EXPECT_TRUE(same(r, c.want)) << describe("Powx", slot, c.x, c.b) << " gave " << r;
-            expect_report("Powx", slot, c.x, c.b, c.status);
-        }
-        for (const auto &c : lf) {
-            seen = Seen{};
-            T r = 0;
-            reinterpret_cast<void (*)(int, const T *, const T *, T, T, T, T, T *)>(ltab[slot])(1, &c.a, &c.b, c.sa, c.ha,
-                                                                                            c.sb, c.hb, &r);
-            EXPECT_TRUE(same(r, c.want)) << describe("LinearFrac", slot, c.a, c.b) << " gave " << r;
-            expect_report("LinearFrac", slot, c.a, c.b, c.status);
-        }
+        auto pk = reinterpret_cast<void (*)(int, const T *, T, T *)>(ptab[slot]);
+        for (const auto &c : powx)
+            check_call("Powx", slot, c.x, c.b, c.want, c.status, [&](T &r) { pk(1, &c.x, c.b, &r); });
+        auto lk = reinterpret_cast<void (*)(int, const T *, const T *, T, T, T, T, T *)>(ltab[slot]);
+        for (const auto &c : lf)
+            check_call("LinearFrac", slot, c.a, c.b, c.want, c.status,
+                       [&](T &r) { lk(1, &c.a, &c.b, c.sa, c.ha, c.sb, c.hb, &r); });
     }
 }
 

@@ -38,7 +38,7 @@ struct Wider<double> {
 template <int A, class T>
 using Work = std::conditional_t<A == HA, typename Wider<T>::type, T>;
 
-// pi and pi/180, rounded to the working type from a 128-bit literal.
+// pi and pi/180 in the working type, from long double literals.
 template <class W>
 inline constexpr W pi = static_cast<W>(3.14159265358979323846264338327950288L);
 template <class W>
