@@ -32,7 +32,7 @@ std::vector<Case> cases() {
                        [m](RokStream *s, int n, double *r) { return rokdRngGaussian(m, s, n, r, 1.0, 2.0); },
                        [m](RokStream *s, int n, float *r) { return roksRngGaussian(m, s, n, r, 1.0f, 2.0f); },
                        [](double x) { return dist_test::normal_cdf((x - 1.0) / 2.0); }, 1.0, 4.0, 48.0});
-    for (int m : {0, ROK_RNG_METHOD_ACCURATE})
+    for (int m : {0, static_cast<int>(ROK_RNG_METHOD_ACCURATE)})
         out.push_back({"exponential" + std::to_string(m),
                        [m](RokStream *s, int n, double *r) { return rokdRngExponential(m, s, n, r, -1.0, 3.0); },
                        [m](RokStream *s, int n, float *r) { return roksRngExponential(m, s, n, r, -1.0f, 3.0f); },
