@@ -311,19 +311,18 @@ void check_in_place_and_strided(const std::vector<UnaryPair> &unary, const std::
         }
 }
 
+#define QON_UNARY_PAIRS(t)                                                                                   \
+    {QON_UPAIR(t, Sqrt), QON_UPAIR(t, Ln),    QON_UPAIR(t, Log10), QON_UPAIR(t, Sin),   QON_UPAIR(t, Cos),   \
+     QON_UPAIR(t, Tan),  QON_UPAIR(t, Sinh),  QON_UPAIR(t, Cosh),  QON_UPAIR(t, Tanh),  QON_UPAIR(t, Asin),  \
+     QON_UPAIR(t, Acos), QON_UPAIR(t, Atan),  QON_UPAIR(t, Asinh), QON_UPAIR(t, Acosh), QON_UPAIR(t, Atanh), \
+     QON_UPAIR(t, Conj)}
+#define QON_BINARY_PAIRS(t)                                                                                  \
+    {QON_UPAIR(t, Add), QON_UPAIR(t, Sub), QON_UPAIR(t, Mul), QON_UPAIR(t, MulByConj), QON_UPAIR(t, Div),    \
+     QON_UPAIR(t, Pow)}
+
 TEST(ComplexLayout, InPlaceAndStridedMatchContiguous) {
-    check_in_place_and_strided<float>({QON_UPAIR(c, Sqrt), QON_UPAIR(c, Ln), QON_UPAIR(c, Log10), QON_UPAIR(c, Sin),
-                                       QON_UPAIR(c, Cos), QON_UPAIR(c, Tan), QON_UPAIR(c, Sinh), QON_UPAIR(c, Cosh),
-                                       QON_UPAIR(c, Tanh), QON_UPAIR(c, Asin), QON_UPAIR(c, Acos), QON_UPAIR(c, Atan),
-                                       QON_UPAIR(c, Asinh), QON_UPAIR(c, Acosh), QON_UPAIR(c, Atanh), QON_UPAIR(c, Conj)},
-                                      {QON_UPAIR(c, Add), QON_UPAIR(c, Sub), QON_UPAIR(c, Mul), QON_UPAIR(c, MulByConj),
-                                       QON_UPAIR(c, Div), QON_UPAIR(c, Pow)});
-    check_in_place_and_strided<double>({QON_UPAIR(z, Sqrt), QON_UPAIR(z, Ln), QON_UPAIR(z, Log10), QON_UPAIR(z, Sin),
-                                        QON_UPAIR(z, Cos), QON_UPAIR(z, Tan), QON_UPAIR(z, Sinh), QON_UPAIR(z, Cosh),
-                                        QON_UPAIR(z, Tanh), QON_UPAIR(z, Asin), QON_UPAIR(z, Acos), QON_UPAIR(z, Atan),
-                                        QON_UPAIR(z, Asinh), QON_UPAIR(z, Acosh), QON_UPAIR(z, Atanh), QON_UPAIR(z, Conj)},
-                                       {QON_UPAIR(z, Add), QON_UPAIR(z, Sub), QON_UPAIR(z, Mul), QON_UPAIR(z, MulByConj),
-                                        QON_UPAIR(z, Div), QON_UPAIR(z, Pow)});
+    check_in_place_and_strided<float>(QON_UNARY_PAIRS(c), QON_BINARY_PAIRS(c));
+    check_in_place_and_strided<double>(QON_UNARY_PAIRS(z), QON_BINARY_PAIRS(z));
 }
 
 // Powx, Abs, Arg and CIS: in place where the types allow, strided against contiguous.

@@ -8,10 +8,7 @@ namespace {
 struct Abs {
     template <int A, class T>
     static int eval(std::complex<T> x, T &r) {
-        using W = qon::vm::cx::Wide<T>;
-        const W w = std::hypot(static_cast<W>(x.real()), static_cast<W>(x.imag()));
-        r = static_cast<T>(w);
-        return qon::vm::cx::status_of<T>(qon::vm::cx::facts(x, false), w, W(0), std::complex<T>(r, T(0)));
+        return qon::vm::cx::real_result(x, r, [](auto re, auto im) { return std::hypot(re, im); });
     }
 };
 }  // namespace

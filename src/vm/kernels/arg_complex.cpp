@@ -9,10 +9,7 @@ namespace {
 struct Arg {
     template <int A, class T>
     static int eval(std::complex<T> x, T &r) {
-        using W = qon::vm::cx::Wide<T>;
-        const W w = std::atan2(static_cast<W>(x.imag()), static_cast<W>(x.real()));
-        r = static_cast<T>(w);
-        return qon::vm::cx::status_of<T>(qon::vm::cx::facts(x, false), w, W(0), std::complex<T>(r, T(0)));
+        return qon::vm::cx::real_result(x, r, [](auto re, auto im) { return std::atan2(im, re); });
     }
 };
 }  // namespace

@@ -7,14 +7,10 @@
 #include "vm/kernels/complex_math.hpp"
 
 namespace {
-struct Atan {
+struct Atan : qon::vm::cx::PolesAtImaginaryUnits {
     template <class C>
     static C f(C x) {
         return std::atan(x);
-    }
-    template <class C>
-    static bool pole(C x) {
-        return x.real() == 0 && std::fabs(x.imag()) == 1;
     }
 };
 using Routine = qon::vm::cx::Unary<Atan, true>;

@@ -7,14 +7,10 @@
 #include "vm/kernels/complex_math.hpp"
 
 namespace {
-struct Atanh {
+struct Atanh : qon::vm::cx::PolesAtRealUnits {
     template <class C>
     static C f(C x) {
         return std::atanh(x);
-    }
-    template <class C>
-    static bool pole(C x) {
-        return x.imag() == 0 && std::fabs(x.real()) == 1;
     }
 };
 using Routine = qon::vm::cx::Unary<Atanh, true>;

@@ -18,6 +18,9 @@
 // the element type, from arguments with no subnormal component, PAX_STATUS_UNDERFLOW.
 // Special values (infinities, signed zeros, branch cuts) are those of the C library's complex
 // functions, which follow C99 Annex G.
+// Error measure: componentwise, each part in ulps of that part of the exact value (a zero,
+// infinite or NaN part must be matched exactly); powers use the normwise measure stated in
+// complex_pow.hpp.
 #pragma once
 
 #include <cmath>
@@ -28,18 +31,24 @@
 
 namespace qon::vm::cx {
 
+// The wider types of an element type: `wide` for functions (more precision and exponent
+// range), `exact` for products (the product of two components is exact in it).
 template <class T>
-struct WideOf;
+struct Wider;
 template <>
-struct WideOf<float> {
-    using type = double;
+struct Wider<float> {
+    using wide = double;
+    using exact = double;
 };
 template <>
-struct WideOf<double> {
-    using type = long double;
+struct Wider<double> {
+    using wide = long double;
+    using exact = __float128;
 };
 template <class T>
-using Wide = typename WideOf<T>::type;
+using Wide = typename Wider<T>::wide;
+template <class T>
+using Exact = typename Wider<T>::exact;
 
 template <class T>
 inline bool has_nan(std::complex<T> z) {
@@ -140,7 +149,17 @@ struct Binary {
     }
 };
 
-// Functions without poles.
+// A real function of the two parts of a complex argument (Abs, Arg), evaluated as fn(re, im)
+// in the wide type and rounded once.
+template <class T, class Fn>
+inline int real_result(std::complex<T> x, T &r, Fn fn) {
+    using W = Wide<T>;
+    const W w = fn(static_cast<W>(x.real()), static_cast<W>(x.imag()));
+    r = static_cast<T>(w);
+    return status_of<T>(facts(x, false), w, W(0), std::complex<T>(r, T(0)));
+}
+
+// The poles of the functions: none, z = 0 (logarithms), z = +-1 (atanh), z = +-i (atan).
 struct NoPole {
     template <class C>
     static bool pole(C) {
@@ -149,6 +168,24 @@ struct NoPole {
     template <class C>
     static bool pole(C, C) {
         return false;
+    }
+};
+struct PoleAtZero {
+    template <class C>
+    static bool pole(C x) {
+        return x.real() == 0 && x.imag() == 0;
+    }
+};
+struct PolesAtRealUnits {
+    template <class C>
+    static bool pole(C x) {
+        return x.imag() == 0 && std::fabs(x.real()) == 1;
+    }
+};
+struct PolesAtImaginaryUnits {
+    template <class C>
+    static bool pole(C x) {
+        return x.real() == 0 && std::fabs(x.imag()) == 1;
     }
 };
 

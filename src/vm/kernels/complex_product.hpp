@@ -1,49 +1,64 @@
-// Complex multiplication and division.
+// Complex multiplication and division, one kernel for every accuracy.
 //
-// HA (and every slot of c): the components are computed in a type in which the products of two
-// components are exact and cannot overflow or underflow (double for c, __float128 for z):
 //     (a + ib)(c + id)     = (ac - bd) + i(ad + bc)
 //     (a + ib) / (c + id)  = ((ac + bd) + i(bc - ad)) / (c^2 + d^2)
-// so a product has one rounding per component before the final one (within 0.5 ulp + 2^-29 ulp
-// for c, 0.5 ulp + 2^-59 ulp for z, componentwise) and a quotient three (within 0.5 ulp + 2^-27
-// ulp, resp. 2^-57 ulp). Overflow and underflow of the rounded result are then exactly known.
-// LA and EP of z, for arguments whose non-zero components lie in [2^-250, 2^250] and a result
-// whose components are normal: Kahan's fused 2x2 determinant, ab - cd = fma(a, b, -w) + fma(-c,
-// d, w) with w = cd, within 2 ulp componentwise; a quotient divides two of them by c^2 + d^2
-// computed as a sum of exact products, within 3 ulp componentwise. Other elements take the HA
-// route. Infinite and NaN arguments and a zero divisor follow C99 Annex G (the compiler's
-// complex multiplication and division).
+// Reference route: the parts are computed in a type in which the product of two components is
+// exact and cannot overflow or underflow (double for c, __float128 for z), so a product part has
+// one rounding before the final one (within 0.5 ulp + 2^-29 ulp for c, 0.5 ulp + 2^-59 ulp for
+// z, componentwise) and a quotient part three (0.5 ulp + 2^-27, resp. 2^-57 ulp). Overflow and
+// underflow of the rounded result are then exactly known.
+// Fast route of z, for non-zero components in [2^-250, 2^250]: each sum of two products as a
+// double-double (exact products by fma, two-sum, error terms in the tail), a quotient part as
+// that double-double over c^2 + d^2 with one correction by the exact remainder; taken when no
+// sum cancels by 2^20 or more (and, for a quotient, its parts are normal), which bounds it by
+// 0.5 ulp + 2^-30 ulp componentwise. Other elements take the reference route, so both give the same
+// results to within that bound and the same statuses.
+// Infinite and NaN arguments and a zero divisor follow C99 Annex G (the compiler's complex
+// multiplication and division).
 #pragma once
 
 #include "vm/kernels/complex_math.hpp"
 
 namespace qon::vm::cx {
 
-template <class T>
-struct ExactOf;
-template <>
-struct ExactOf<float> {
-    using type = double;
-};
-template <>
-struct ExactOf<double> {
-    using type = __float128;
-};
-
-// a*b - c*d within 2 ulp (Kahan).
-inline double det2(double a, double b, double c, double d) {
-    const double w = c * d;
-    return std::fma(a, b, -w) + std::fma(-c, d, w);
-}
-
-// Every non-zero component in [2^-250, 2^250]: the fast forms neither overflow nor lose bits
-// to underflow.
+// Every non-zero component in [2^-250, 2^250]: the double-double forms below neither overflow
+// nor lose bits of an error term to underflow.
 inline bool moderate(double v) {
     const double m = std::fabs(v);
     return m == 0.0 || (m >= 0x1p-250 && m <= 0x1p250);
 }
 inline bool moderate(std::complex<double> x, std::complex<double> y) {
     return moderate(x.real()) && moderate(x.imag()) && moderate(y.real()) && moderate(y.imag());
+}
+
+// A double-double value hi + lo, |lo| <= ulp(hi)/2.
+struct DD {
+    double hi, lo;
+};
+inline DD fast_two_sum(double a, double b) {
+    const double s = a + b;
+    return {s, b - (s - a)};
+}
+
+// a*b + c*d as a double-double: both products exact (fma), their sum by two-sum, the error terms
+// added to the tail. The tail carries an error below 2^-104 (|ab| + |cd|); `safe` says the sum
+// cancelled by less than 2^20, so that error is below 2^-84 of the result.
+inline DD dot2(double a, double b, double c, double d, bool &safe) {
+    const double p = a * b, q = c * d;
+    const double ep = std::fma(a, b, -p), eq = std::fma(c, d, -q);
+    const double s = p + q, z = s - p;
+    const double t = (p - (s - z)) + (q - z);
+    safe = safe && std::fabs(s) * 0x1p20 >= std::fabs(p) + std::fabs(q);
+    const double tail = t + (ep + eq);
+    return tail == 0 ? DD{s, 0.0} : fast_two_sum(s, tail);  // an exact sum keeps the sign of its zero
+}
+
+// (nh + nl) / (dh + dl) for dh > 0: the quotient of the leading parts corrected once by the
+// exact remainder, within 0.5 ulp + 2^-40 ulp when both tails are below 2^-52 of their heads.
+inline double divide(DD n, DD d) {
+    const double q = n.hi / d.hi;
+    const double r = std::fma(-q, d.hi, n.hi);
+    return q + (r + n.lo - q * d.lo) / d.hi;
 }
 
 // Conj: multiply by the conjugate of the second argument.
@@ -56,13 +71,17 @@ struct Product {
             r = x * y;
             return status_of<T>(facts(x, y, false), T(0), T(0), r);
         }
-        if constexpr (A != HA && std::is_same_v<T, double>) {
+        if constexpr (std::is_same_v<T, double>) {
             if (moderate(x, y)) {
-                r = {det2(x.real(), y.real(), x.imag(), y.imag()), det2(x.real(), y.imag(), -x.imag(), y.real())};
-                if (ordinary(r)) return PAX_STATUS_OK;
+                bool safe = true;
+                const DD re = dot2(x.real(), y.real(), -x.imag(), y.imag(), safe);
+                const DD im = dot2(x.real(), y.imag(), x.imag(), y.real(), safe);
+                r = {re.hi, im.hi};
+                // In this range a part is an exact zero or a normal number.
+                if (safe) return PAX_STATUS_OK;
             }
         }
-        using X = typename ExactOf<T>::type;
+        using X = Exact<T>;
         const X a = x.real(), b = x.imag(), c = y.real(), d = y.imag();
         const X re = a * c - b * d, im = a * d + b * c;
         r = {static_cast<T>(re), static_cast<T>(im)};
@@ -79,16 +98,18 @@ struct Quotient {
             const bool pole = zero_divisor && !(x.real() == 0 && x.imag() == 0);
             return status_of<T>(facts(x, y, pole), T(0), T(0), r);
         }
-        if constexpr (A != HA && std::is_same_v<T, double>) {
+        if constexpr (std::is_same_v<T, double>) {
             if (moderate(x, y)) {
                 const double c = y.real(), d = y.imag();
-                const double cc = c * c, dd = d * d;
-                const double den = cc + (dd + (std::fma(c, c, -cc) + std::fma(d, d, -dd)));
-                r = {det2(x.real(), c, -x.imag(), d) / den, det2(x.imag(), c, x.real(), d) / den};
-                if (ordinary(r)) return PAX_STATUS_OK;
+                bool safe = true;
+                const DD den = dot2(c, c, d, d, safe);
+                const DD re = dot2(x.real(), c, x.imag(), d, safe);
+                const DD im = dot2(x.imag(), c, -x.real(), d, safe);
+                r = {divide(re, den), divide(im, den)};
+                if (safe && ordinary(r)) return PAX_STATUS_OK;
             }
         }
-        using X = typename ExactOf<T>::type;
+        using X = Exact<T>;
         const X a = x.real(), b = x.imag(), c = y.real(), d = y.imag();
         const X den = c * c + d * d;
         const X re = (a * c + b * d) / den, im = (b * c - a * d) / den;

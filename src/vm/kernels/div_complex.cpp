@@ -7,4 +7,4 @@ namespace {
 using Div = qon::vm::cx::Quotient;
 }  // namespace
 
-QON_VM_COMPLEX_KERNELS(B, Div, Div)
+QON_VM_COMPLEX_KERNELS_SHARED(B, Div, Div)

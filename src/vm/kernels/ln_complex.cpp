@@ -7,14 +7,10 @@
 #include "vm/kernels/complex_math.hpp"
 
 namespace {
-struct Ln {
+struct Ln : qon::vm::cx::PoleAtZero {
     template <class C>
     static C f(C x) {
         return std::log(x);
-    }
-    template <class C>
-    static bool pole(C x) {
-        return x.real() == 0 && x.imag() == 0;
     }
 };
 using Routine = qon::vm::cx::Unary<Ln, true>;

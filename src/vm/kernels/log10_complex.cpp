@@ -7,14 +7,10 @@
 #include "vm/kernels/complex_math.hpp"
 
 namespace {
-struct Log10 {
+struct Log10 : qon::vm::cx::PoleAtZero {
     template <class C>
     static C f(C x) {
         return std::log10(x);
-    }
-    template <class C>
-    static bool pole(C x) {
-        return x.real() == 0 && x.imag() == 0;
     }
 };
 using Routine = qon::vm::cx::Unary<Log10, true>;

@@ -5,4 +5,4 @@ namespace {
 using Mul = qon::vm::cx::Product<false>;
 }  // namespace
 
-QON_VM_COMPLEX_KERNELS(B, Mul, Mul)
+QON_VM_COMPLEX_KERNELS_SHARED(B, Mul, Mul)

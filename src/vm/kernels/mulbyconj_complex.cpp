@@ -5,4 +5,4 @@ namespace {
 using MulByConj = qon::vm::cx::Product<true>;
 }  // namespace
 
-QON_VM_COMPLEX_KERNELS(B, MulByConj, MulByConj)
+QON_VM_COMPLEX_KERNELS_SHARED(B, MulByConj, MulByConj)
