@@ -233,6 +233,7 @@ std::vector<BCase<T>> binary_cases() {
         {TABLES(Remainder), T(5), T(3), T(-1), 0}, {TABLES(Remainder), T(7), T(2), T(-1), 0},
         {TABLES(Remainder), T(5), T(0), nan, 1}, {TABLES(Remainder), -inf, T(2), nan, 1},
         {TABLES(Remainder), T(3), inf, T(3), 0},
+        {TABLES(Remainder), -least, T(4) * dm, T(-0.0), 0}, {TABLES(Remainder), T(-6), T(3), T(-0.0), 0},
         {TABLES(Hypot), T(3), T(4), T(5), 0}, {TABLES(Hypot), inf, nan, inf, 0}, {TABLES(Hypot), nan, -inf, inf, 0},
         {TABLES(Hypot), big, big, inf, 3},
         {TABLES(NextAfter), T(1), T(2), T(1) + L::epsilon(), 0}, {TABLES(NextAfter), big, inf, inf, 3},
@@ -264,6 +265,16 @@ void run_binary() {
 TEST_F(ElementaryStatus, TwoArgumentFunctions) {
     run_binary<float>();
     run_binary<double>();
+}
+
+// A zero remainder has the sign of a, also over a subnormal b where glibc's remainder gives +0.
+TEST_F(ElementaryStatus, ZeroRemainderTakesTheSignOfTheDividend) {
+    const double x = -7.93619467111938e-281, y = -1.1067070466843923e-321;
+    for (int slot = 0; slot < 3; ++slot) {
+        auto kernel = reinterpret_cast<void (*)(int, const double *, const double *, double *)>(
+            qon_pax_kernel_dRemainder_ttab[slot]);
+        check_call("Remainder", slot, x, y, -0.0, 0, [&](double &r) { kernel(1, &x, &y, &r); });
+    }
 }
 
 // Powx with its scalar exponent and LinearFrac with its scalars follow the same rules.
