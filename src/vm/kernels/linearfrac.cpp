@@ -1,8 +1,9 @@
 // LinearFrac: r = (scalea a + shifta) / (scaleb b + shiftb). Numerator and denominator are each
 // one fused multiply-add: HA computes them and the quotient in the next wider type and rounds
 // once (within 0.5 ulp plus 2^-10 ulp, whatever the cancellation in either sum); LA and EP in
-// the element type (three roundings: within 1.5 ulp), falling back to the HA computation when
-// the numerator or denominator is zero, subnormal or beyond the range of the element type.
+// the element type (three roundings of half an ulp each, relative: within 3 ulp), falling back
+// to the HA computation when the numerator or denominator is zero, subnormal or beyond the
+// range of the element type.
 // Statuses, judged on the arguments a, b and the four scalars together: a NaN among them gives
 // NaN and no report; a zero denominator under a finite non-zero numerator is a singularity
 // (+-inf); other NaN results (0/0, inf/inf, inf - inf) are domain errors; an infinite result
