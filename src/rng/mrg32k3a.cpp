@@ -10,8 +10,7 @@
 // Skip-ahead multiplies each state by A^N (square-and-multiply, rokiVect3PowMod); the extended
 // skip-ahead takes the factors A^(2^i), i < 192, from compile-time tables per modulus and forms
 // higher powers by squaring.
-#include "rng/stream.hpp"
-#include "rng/u32_uniform.hpp"
+#include "rng/brng_entries.hpp"
 
 #include <immintrin.h>
 
@@ -163,11 +162,6 @@ void seed(State *st, int32_t n, const uint32_t *s) {
 }
 
 }  // namespace
-
-struct Gen {
-    static void raw(RokStream *stream, int32_t n, uint32_t *r) { mrg::raw(stream, n, r); }
-};
-
 }  // namespace qon::rng::mrg
 
 using qon::rng::mrg::Mat;
@@ -205,46 +199,37 @@ void rokiVect3PowArrayMod_M2(const uint64_t *e, int32_t ne, uint32_t v[3]) {
     rokiVect3PowArrayMod(kTable, e, ne, v, qon::rng::mrg::kM2);
 }
 
-using qon::rng::mrg::Gen;
-using qon::rng::mrg::State;
+namespace qon::rng::mrg {
 
-extern "C" {
+// Seeding; skip-ahead by A^N; the extended skip-ahead by the tables of powers.
+struct Entry {
+    static int32_t init_stream(int32_t method, RokStream *stream, int32_t n, const void *params) {
+        State *st = rok_state<State>(stream);
+        switch (method) {
+        case ROK_INIT_SEED:
+            seed(st, n, static_cast<const uint32_t *>(params));
+            return ROK_STATUS_OK;
+        case ROK_INIT_LEAPFROG:
+            return ROK_ERROR_NO_LEAPFROG;
+        case ROK_INIT_SKIPAHEAD: {
+            const uint64_t count = skip_count(params);
+            mat_vec(rokiVect3PowMod(kA1, count, kM1), st->x1, kM1);
+            mat_vec(rokiVect3PowMod(kA2, count, kM2), st->x2, kM2);
+            return ROK_STATUS_OK;
+        }
+        case ROK_INIT_SKIPAHEAD_EX: {
+            const uint64_t *count = static_cast<const uint64_t *>(params);
+            rokiVect3PowArrayMod_M1(count, n, st->x1);
+            rokiVect3PowArrayMod_M2(count, n, st->x2);
+            return ROK_STATUS_OK;
+        }
+        default:
+            return ROK_ERROR_BAD_METHOD;
+        }
+    }
+    static void raw(RokStream *stream, int32_t n, uint32_t *r) { mrg::raw(stream, n, r); }
+};
 
-QON_API int32_t rokBRngMRG32K3AInitStream(int32_t method, RokStream *stream, int32_t n, const void *params) {
-    State *st = qon::rng::rok_state<State>(stream);
-    switch (method) {
-    case ROK_INIT_SEED:
-        qon::rng::mrg::seed(st, n, static_cast<const uint32_t *>(params));
-        return ROK_STATUS_OK;
-    case ROK_INIT_LEAPFROG:
-        return ROK_ERROR_NO_LEAPFROG;
-    case ROK_INIT_SKIPAHEAD: {
-        uint32_t w[2];
-        std::memcpy(w, params, sizeof w);
-        const uint64_t count = w[0] | (static_cast<uint64_t>(w[1]) << 32);
-        qon::rng::mrg::mat_vec(rokiVect3PowMod(qon::rng::mrg::kA1, count, qon::rng::mrg::kM1), st->x1, qon::rng::mrg::kM1);
-        qon::rng::mrg::mat_vec(rokiVect3PowMod(qon::rng::mrg::kA2, count, qon::rng::mrg::kM2), st->x2, qon::rng::mrg::kM2);
-        return ROK_STATUS_OK;
-    }
-    case ROK_INIT_SKIPAHEAD_EX: {
-        const uint64_t *count = static_cast<const uint64_t *>(params);
-        rokiVect3PowArrayMod_M1(count, n, st->x1);
-        rokiVect3PowArrayMod_M2(count, n, st->x2);
-        return ROK_STATUS_OK;
-    }
-    default:
-        return ROK_ERROR_BAD_METHOD;
-    }
-}
-QON_API int32_t roksBRngMRG32K3A(RokStream *stream, int32_t n, float r[], float a, float b) {
-    return qon::rng::u32_uniform<Gen, float, qon::rng::UpperClosedM1>(stream, n, r, a, b);
-}
-QON_API int32_t rokdBRngMRG32K3A(RokStream *stream, int32_t n, double r[], double a, double b) {
-    return qon::rng::u32_uniform<Gen, double, qon::rng::UpperClosedM1>(stream, n, r, a, b);
-}
-QON_API int32_t rokiBRngMRG32K3A(RokStream *stream, int32_t n, void *r) {
-    if (n > 0) qon::rng::mrg::raw(stream, n, static_cast<uint32_t *>(r));
-    return ROK_STATUS_OK;
-}
+}  // namespace qon::rng::mrg
 
-}  // extern "C"
+ROK_U32_BRNG_ENTRIES(MRG32K3A, qon::rng::mrg::Entry, qon::rng::UpperClosedM1)

@@ -10,7 +10,6 @@
 #pragma once
 
 #include "rng/stream.hpp"
-#include "rng/u32_uniform.hpp"
 
 #include <immintrin.h>
 
@@ -117,14 +116,6 @@ struct Family {
         st->index = static_cast<int32_t>(count);
     }
 
-    static int32_t raw_entry(RokStream *stream, int32_t n, void *r) {
-        if (n > 0) raw(stream, n, static_cast<uint32_t *>(r));
-        return ROK_STATUS_OK;
-    }
-    template <class T>
-    static int32_t uniform(RokStream *stream, int32_t n, T r[], T a, T b) {
-        return u32_uniform<Family, T>(stream, n, r, a, b);
-    }
 };
 
 // Tempering y ^= y >> u; y ^= (y << 7) & b; y ^= (y << 15) & c; y ^= y >> 18, one word and

@@ -6,6 +6,7 @@
 // 624-word window, applied by windowed Horner over a table of 2^6 combinations of F^i s.
 // F ignores the low 31 bits of the window's first word, so the jumped window is placed one
 // word behind the next output (index 1) and those bits are never delivered.
+#include "rng/brng_entries.hpp"
 #include "rng/gf2poly.hpp"
 #include "rng/mt.hpp"
 #include "rng/mt19937_poly.hpp"
@@ -103,46 +104,35 @@ int32_t skip_by_polynomial(State *st, uint64_t count) {
     return ROK_STATUS_OK;
 }
 
+// Seeding, and skip-ahead by running forward or by the polynomial.
+struct Entry {
+    static int32_t init_stream(int32_t method, RokStream *stream, int32_t n, const void *params) {
+        State *st = rok_state<State>(stream);
+        switch (method) {
+        case ROK_INIT_SEED:
+            Gen::seed(st, n, static_cast<const uint32_t *>(params));
+            return ROK_STATUS_OK;
+        case ROK_INIT_LEAPFROG:
+            return ROK_ERROR_NO_LEAPFROG;
+        case ROK_INIT_SKIPAHEAD: {
+            const uint64_t count = skip_count(params);
+            if (count == 0) return ROK_STATUS_OK;
+            if (count <= kForwardLimit) {
+                Gen::skip_forward(st, count);
+                return ROK_STATUS_OK;
+            }
+            return skip_by_polynomial(st, count);
+        }
+        case ROK_INIT_SKIPAHEAD_EX:
+            return ROK_ERROR_NO_SKIPAHEADEX;
+        default:
+            return ROK_ERROR_BAD_METHOD;
+        }
+    }
+    static void raw(RokStream *stream, int32_t n, uint32_t *out) { Gen::raw(stream, n, out); }
+};
+
 }  // namespace
 }  // namespace qon::rng::mt
 
-using qon::rng::rok_state;
-using qon::rng::mt::Gen;
-using qon::rng::mt::State;
-
-extern "C" {
-
-QON_API int32_t rokBRngMT19937InitStream(int32_t method, RokStream *stream, int32_t n, const void *params) {
-    State *st = rok_state<State>(stream);
-    switch (method) {
-    case ROK_INIT_SEED:
-        Gen::seed(st, n, static_cast<const uint32_t *>(params));
-        return ROK_STATUS_OK;
-    case ROK_INIT_LEAPFROG:
-        return ROK_ERROR_NO_LEAPFROG;
-    case ROK_INIT_SKIPAHEAD: {
-        uint32_t w[2];
-        std::memcpy(w, params, sizeof w);
-        const uint64_t count = w[0] | (static_cast<uint64_t>(w[1]) << 32);
-        if (count == 0) return ROK_STATUS_OK;
-        if (count <= qon::rng::mt::kForwardLimit) {
-            Gen::skip_forward(st, count);
-            return ROK_STATUS_OK;
-        }
-        return qon::rng::mt::skip_by_polynomial(st, count);
-    }
-    case ROK_INIT_SKIPAHEAD_EX:
-        return ROK_ERROR_NO_SKIPAHEADEX;
-    default:
-        return ROK_ERROR_BAD_METHOD;
-    }
-}
-QON_API int32_t roksBRngMT19937(RokStream *stream, int32_t n, float r[], float a, float b) {
-    return Gen::uniform(stream, n, r, a, b);
-}
-QON_API int32_t rokdBRngMT19937(RokStream *stream, int32_t n, double r[], double a, double b) {
-    return Gen::uniform(stream, n, r, a, b);
-}
-QON_API int32_t rokiBRngMT19937(RokStream *stream, int32_t n, void *r) { return Gen::raw_entry(stream, n, r); }
-
-}  // extern "C"
+ROK_U32_BRNG_ENTRIES(MT19937, qon::rng::mt::Entry, qon::rng::HalfOpen32)

@@ -5,8 +5,7 @@
 // of block words, so skip-ahead is an addition to the counter. The vector path computes eight
 // blocks per 256-bit register set, two sets interleaved (sixteen blocks, 64 words, per step),
 // with the round keys broadcast once per call, and transposes the lanes back to block order.
-#include "rng/stream.hpp"
-#include "rng/u32_uniform.hpp"
+#include "rng/brng_entries.hpp"
 
 #include <immintrin.h>
 
@@ -183,59 +182,41 @@ void skip(State *st, const uint64_t count[3]) {
     st->remaining = 3 - within;
 }
 
-}  // namespace
-
-struct Gen {
+// Seeding (at most six words: key, then counter), skip-ahead and the 192-bit skip-ahead.
+struct Entry {
+    static int32_t init_stream(int32_t method, RokStream *stream, int32_t n, const void *params) {
+        State *st = rok_state<State>(stream);
+        switch (method) {
+        case ROK_INIT_SEED: {
+            uint32_t s[6] = {};
+            if (n > 0) std::memcpy(s, params, static_cast<size_t>(n < 6 ? n : 6) * sizeof(uint32_t));
+            std::memcpy(st->key, s, sizeof st->key);
+            std::memcpy(st->ctr, s + 2, sizeof st->ctr);
+            st->remaining = 0;
+            std::memset(st->buf, 0, sizeof st->buf);
+            return ROK_STATUS_OK;
+        }
+        case ROK_INIT_LEAPFROG:
+            return ROK_ERROR_NO_LEAPFROG;
+        case ROK_INIT_SKIPAHEAD: {
+            const uint64_t count[3] = {skip_count(params), 0, 0};
+            if (count[0] != 0) skip(st, count);
+            return ROK_STATUS_OK;
+        }
+        case ROK_INIT_SKIPAHEAD_EX: {
+            uint64_t count[3] = {};
+            if (n > 0) std::memcpy(count, params, static_cast<size_t>(n < 3 ? n : 3) * sizeof(uint64_t));
+            if ((count[0] | count[1] | count[2]) != 0) skip(st, count);
+            return ROK_STATUS_OK;
+        }
+        default:
+            return ROK_ERROR_BAD_METHOD;
+        }
+    }
     static void raw(RokStream *stream, int32_t n, uint32_t *out) { philox::raw(stream, n, out); }
 };
 
+}  // namespace
 }  // namespace qon::rng::philox
 
-using qon::rng::rok_state;
-using qon::rng::philox::State;
-
-extern "C" {
-
-QON_API int32_t rokBRngPHILOX4X32X10InitStream(int32_t method, RokStream *stream, int32_t n, const void *params) {
-    State *st = rok_state<State>(stream);
-    switch (method) {
-    case ROK_INIT_SEED: {
-        uint32_t s[6] = {};
-        if (n > 0) std::memcpy(s, params, static_cast<size_t>(n < 6 ? n : 6) * sizeof(uint32_t));
-        std::memcpy(st->key, s, sizeof st->key);
-        std::memcpy(st->ctr, s + 2, sizeof st->ctr);
-        st->remaining = 0;
-        std::memset(st->buf, 0, sizeof st->buf);
-        return ROK_STATUS_OK;
-    }
-    case ROK_INIT_LEAPFROG:
-        return ROK_ERROR_NO_LEAPFROG;
-    case ROK_INIT_SKIPAHEAD: {
-        uint32_t w[2];
-        std::memcpy(w, params, sizeof w);
-        const uint64_t count[3] = {w[0] | (static_cast<uint64_t>(w[1]) << 32), 0, 0};
-        if (count[0] != 0) qon::rng::philox::skip(st, count);
-        return ROK_STATUS_OK;
-    }
-    case ROK_INIT_SKIPAHEAD_EX: {
-        uint64_t count[3] = {};
-        if (n > 0) std::memcpy(count, params, static_cast<size_t>(n < 3 ? n : 3) * sizeof(uint64_t));
-        if ((count[0] | count[1] | count[2]) != 0) qon::rng::philox::skip(st, count);
-        return ROK_STATUS_OK;
-    }
-    default:
-        return ROK_ERROR_BAD_METHOD;
-    }
-}
-QON_API int32_t roksBRngPHILOX4X32X10(RokStream *stream, int32_t n, float r[], float a, float b) {
-    return qon::rng::u32_uniform<qon::rng::philox::Gen>(stream, n, r, a, b);
-}
-QON_API int32_t rokdBRngPHILOX4X32X10(RokStream *stream, int32_t n, double r[], double a, double b) {
-    return qon::rng::u32_uniform<qon::rng::philox::Gen>(stream, n, r, a, b);
-}
-QON_API int32_t rokiBRngPHILOX4X32X10(RokStream *stream, int32_t n, void *r) {
-    if (n > 0) qon::rng::philox::raw(stream, n, static_cast<uint32_t *>(r));
-    return ROK_STATUS_OK;
-}
-
-}  // extern "C"
+ROK_U32_BRNG_ENTRIES(PHILOX4X32X10, qon::rng::philox::Entry, qon::rng::HalfOpen32)

@@ -7,8 +7,7 @@
 // become the ring. Shorter requests run one word at a time on the ring. Seeding with fewer
 // than 250 words fills the ring from x(k) = s * 69069^(k+1) mod 2^32 and then makes the 32 bit
 // columns independent by setting bit 31 - m of word 3 + 7m and clearing the bits above it.
-#include "rng/stream.hpp"
-#include "rng/u32_uniform.hpp"
+#include "rng/brng_entries.hpp"
 
 #include <immintrin.h>
 
@@ -77,9 +76,23 @@ void block(State *st, int32_t n, uint32_t *r) {
     st->j = kGap;
 }
 
-}  // namespace
-
-struct Gen {
+// Seeding only: neither skip-ahead nor leapfrog.
+struct Entry {
+    static int32_t init_stream(int32_t method, RokStream *stream, int32_t n, const void *params) {
+        switch (method) {
+        case ROK_INIT_SEED:
+            seed(rok_state<State>(stream), n, static_cast<const uint32_t *>(params));
+            return ROK_STATUS_OK;
+        case ROK_INIT_LEAPFROG:
+            return ROK_ERROR_NO_LEAPFROG;
+        case ROK_INIT_SKIPAHEAD:
+            return ROK_ERROR_NO_SKIPAHEAD;
+        case ROK_INIT_SKIPAHEAD_EX:
+            return ROK_ERROR_NO_SKIPAHEADEX;
+        default:
+            return ROK_ERROR_BAD_METHOD;
+        }
+    }
     static void raw(RokStream *stream, int32_t n, uint32_t *r) {
         State *st = rok_state<State>(stream);
         if (n >= kLen)
@@ -89,37 +102,7 @@ struct Gen {
     }
 };
 
+}  // namespace
 }  // namespace qon::rng::r250
 
-using qon::rng::r250::Gen;
-
-extern "C" {
-
-QON_API int32_t rokBRngR250InitStream(int32_t method, RokStream *stream, int32_t n, const void *params) {
-    switch (method) {
-    case ROK_INIT_SEED:
-        qon::rng::r250::seed(qon::rng::rok_state<qon::rng::r250::State>(stream), n,
-                             static_cast<const uint32_t *>(params));
-        return ROK_STATUS_OK;
-    case ROK_INIT_LEAPFROG:
-        return ROK_ERROR_NO_LEAPFROG;
-    case ROK_INIT_SKIPAHEAD:
-        return ROK_ERROR_NO_SKIPAHEAD;
-    case ROK_INIT_SKIPAHEAD_EX:
-        return ROK_ERROR_NO_SKIPAHEADEX;
-    default:
-        return ROK_ERROR_BAD_METHOD;
-    }
-}
-QON_API int32_t roksBRngR250(RokStream *stream, int32_t n, float r[], float a, float b) {
-    return qon::rng::u32_uniform<Gen>(stream, n, r, a, b);
-}
-QON_API int32_t rokdBRngR250(RokStream *stream, int32_t n, double r[], double a, double b) {
-    return qon::rng::u32_uniform<Gen>(stream, n, r, a, b);
-}
-QON_API int32_t rokiBRngR250(RokStream *stream, int32_t n, void *r) {
-    if (n > 0) Gen::raw(stream, n, static_cast<uint32_t *>(r));
-    return ROK_STATUS_OK;
-}
-
-}  // extern "C"
+ROK_U32_BRNG_ENTRIES(R250, qon::rng::r250::Entry, qon::rng::HalfOpen32)
