@@ -99,13 +99,9 @@ struct Matrix {
 
 // d <- 1/sqrt(d) through the vector-math entry, with denormals kept for the call.
 void inv_sqrt(int64_t q, double *d) {
-    if (qon_pax_kernel_dInvSqrt_ttab[0] != nullptr) {
-        const unsigned previous = qon_pax_kernel_SetMode(PAX_FTZDAZ_OFF);
-        paxdInvSqrt_50(static_cast<int>(q), d, d);
-        qon_pax_kernel_SetMode(previous);
-        return;
-    }
-    for (int64_t v = 0; v < q; ++v) d[v] = 1.0 / std::sqrt(d[v]);
+    const unsigned previous = qon_pax_kernel_SetMode(PAX_FTZDAZ_OFF);
+    paxdInvSqrt_50(static_cast<int>(q), d, d);
+    qon_pax_kernel_SetMode(previous);
 }
 
 // Everything the workers read; each works on parts[thread].
