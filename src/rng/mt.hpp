@@ -18,8 +18,9 @@
 
 namespace qon::rng::mt {
 
-// P: N, M, kUpper, kLower, State (with mt[N] and index), twist(st), temper(y, st) and a
-// vector temper(v, st). Twist word and masks may live in the state (MT2203).
+// P: N, M, kUpper, kLower, State (with mt[N] and index), twist_word(st), temper(y, st), a
+// vector vtemper(v, st), after_seed(st, stream) (MT2203 copies its parameter row) and
+// skip(st, params) for init_stream method 2. Twist word and masks may live in the state.
 template <class P>
 struct Family {
     using State = typename P::State;
@@ -99,6 +100,25 @@ struct Family {
             st->index += k;
             out += k;
             n -= k;
+        }
+    }
+
+    // Seeding, the generator's own skip-ahead; neither leapfrog nor the extended skip-ahead.
+    static int32_t init_stream(int32_t method, RokStream *stream, int32_t n, const void *params) {
+        State *st = rok_state<State>(stream);
+        switch (method) {
+        case ROK_INIT_SEED:
+            seed(st, n, static_cast<const uint32_t *>(params));
+            P::after_seed(st, stream);
+            return ROK_STATUS_OK;
+        case ROK_INIT_LEAPFROG:
+            return ROK_ERROR_NO_LEAPFROG;
+        case ROK_INIT_SKIPAHEAD:
+            return P::skip(st, params);
+        case ROK_INIT_SKIPAHEAD_EX:
+            return ROK_ERROR_NO_SKIPAHEADEX;
+        default:
+            return ROK_ERROR_BAD_METHOD;
         }
     }
 

@@ -31,6 +31,8 @@ struct Mt19937 {
     static __m256i vtemper(__m256i y, const State *) {
         return mt::vtemper<11>(y, _mm256_set1_epi32(static_cast<int>(kB)), _mm256_set1_epi32(static_cast<int>(kC)));
     }
+    static void after_seed(State *, const RokStream *) {}
+    static int32_t skip(State *st, const void *params);
 };
 static_assert(sizeof(Mt19937::State) + kStreamHeaderBytes <= 2520);
 
@@ -104,35 +106,18 @@ int32_t skip_by_polynomial(State *st, uint64_t count) {
     return ROK_STATUS_OK;
 }
 
-// Seeding, and skip-ahead by running forward or by the polynomial.
-struct Entry {
-    static int32_t init_stream(int32_t method, RokStream *stream, int32_t n, const void *params) {
-        State *st = rok_state<State>(stream);
-        switch (method) {
-        case ROK_INIT_SEED:
-            Gen::seed(st, n, static_cast<const uint32_t *>(params));
-            return ROK_STATUS_OK;
-        case ROK_INIT_LEAPFROG:
-            return ROK_ERROR_NO_LEAPFROG;
-        case ROK_INIT_SKIPAHEAD: {
-            const uint64_t count = skip_count(params);
-            if (count == 0) return ROK_STATUS_OK;
-            if (count <= kForwardLimit) {
-                Gen::skip_forward(st, count);
-                return ROK_STATUS_OK;
-            }
-            return skip_by_polynomial(st, count);
-        }
-        case ROK_INIT_SKIPAHEAD_EX:
-            return ROK_ERROR_NO_SKIPAHEADEX;
-        default:
-            return ROK_ERROR_BAD_METHOD;
-        }
-    }
-    static void raw(RokStream *stream, int32_t n, uint32_t *out) { Gen::raw(stream, n, out); }
-};
-
 }  // namespace
+
+int32_t Mt19937::skip(State *st, const void *params) {
+    const uint64_t count = skip_count(params);
+    if (count == 0) return ROK_STATUS_OK;
+    if (count <= kForwardLimit) {
+        Gen::skip_forward(st, count);
+        return ROK_STATUS_OK;
+    }
+    return skip_by_polynomial(st, count);
+}
+
 }  // namespace qon::rng::mt
 
-ROK_U32_BRNG_ENTRIES(MT19937, qon::rng::mt::Entry, qon::rng::HalfOpen32)
+ROK_U32_BRNG_ENTRIES(MT19937, qon::rng::mt::Gen, qon::rng::HalfOpen32)
