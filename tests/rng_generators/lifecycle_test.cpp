@@ -17,6 +17,8 @@ struct Case {
 
 const Case kCases[] = {
     {"MT19937", ROK_BRNG_MT19937, {1, 2, 3}},
+    {"MT2203_0", ROK_BRNG_MT2203, {4, 5}},
+    {"MT2203_4000", ROK_BRNG_MT2203 + 4000, {4, 5}},
     {"Philox", ROK_BRNG_PHILOX4X32X10, {1, 2, 3, 4, 5, 6}},
     {"R250", ROK_BRNG_R250, {99}},
     {"MRG32k3a", ROK_BRNG_MRG32K3A, {1, 2, 3, 4, 5, 6}},
