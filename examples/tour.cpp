@@ -6,5 +6,14 @@
 int main() {
     std::printf("qon tour\n========\n\n");
     tour_vector_math();
+    tour_exp();
+    tour_elementary();
+    tour_special();
+    tour_complex();
+    tour_streams();
+    tour_generators();
+    tour_distributions();
+    tour_statistics();
+    tour_fitting();
     return 0;
 }
