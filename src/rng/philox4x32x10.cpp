@@ -137,8 +137,15 @@ void blocks(State *st, uint64_t nblocks, uint32_t *out) {
     }
 }
 
+// A buffered-word count above 4 cannot arise from the generator itself, only from a corrupted
+// image: it is read as an empty buffer.
+void check_buffer(State *st) {
+    if (st->remaining > 4) st->remaining = 0;
+}
+
 void raw(RokStream *stream, int32_t n, uint32_t *out) {
     State *st = rok_state<State>(stream);
+    check_buffer(st);
     uint32_t take = st->remaining < static_cast<uint32_t>(n) ? st->remaining : static_cast<uint32_t>(n);
     std::memcpy(out, st->buf + (4 - st->remaining), take * sizeof(uint32_t));
     st->remaining -= take;
@@ -157,6 +164,7 @@ void raw(RokStream *stream, int32_t n, uint32_t *out) {
 // Skip of a count of up to 192 bits (three words, least significant first): the buffered
 // words first, then whole blocks added to the counter, then the block holding the next word.
 void skip(State *st, const uint64_t count[3]) {
+    check_buffer(st);
     if (count[1] == 0 && count[2] == 0 && count[0] <= st->remaining) {
         st->remaining -= static_cast<uint32_t>(count[0]);
         return;

@@ -40,8 +40,10 @@ void seed(State *st, int32_t n, const uint32_t *s) {
     st->j = kGap;
 }
 
+// Ring positions of a state as loaded from an image are not trusted: they are reduced into
+// the ring before use.
 void words_from_ring(State *st, int32_t n, uint32_t *r) {
-    uint32_t i = st->i, j = st->j;
+    uint32_t i = st->i % kLen, j = st->j % kLen;
     for (int32_t k = 0; k < n; ++k) {
         const uint32_t y = st->x[i] ^ st->x[j];
         st->x[i] = y;
@@ -54,7 +56,7 @@ void words_from_ring(State *st, int32_t n, uint32_t *r) {
 }
 
 void block(State *st, int32_t n, uint32_t *r) {
-    uint32_t i = st->i, j = st->j;
+    uint32_t i = st->i % kLen, j = st->j % kLen;
     for (int k = 0; k < kLag; ++k) {
         r[k] = st->x[i] ^ st->x[j];
         i = i + 1 == kLen ? 0 : i + 1;
