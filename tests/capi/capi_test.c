@@ -1,7 +1,7 @@
 /* A C program that sees only the public headers and links the two shared libraries: vector
  * math through its entries and a table of kernels, the error call-back, and the core services. */
 #include <math.h>
-#include <qon/qon_pax.h>
+#include <qon/qon.h>
 #include <qon/qon_serv.h>
 #include <stdint.h>
 #include <stdio.h>
@@ -46,6 +46,15 @@ int main(void) {
     ha(1, &x, &y);
     check(y == 9.0, "kernel from the table");
     check(qon_pax_kernel_dExp_ctab[1] > qon_pax_kernel_dExp_ctab[2], "figures");
+
+    RokStream *stream = NULL;
+    uint32_t seed = 1;
+    check(rokNewStreamEx(&stream, ROK_BRNG_MCG31M1, 1, &seed) == ROK_STATUS_OK, "stream");
+    double g[1000], mean = 0;
+    check(rokdRngGaussian(ROK_RNG_GAUSSIAN_BOXMULLER, stream, 1000, g, 0.0, 1.0) == 0, "Gaussian draws");
+    for (int i = 0; i < 1000; ++i) mean += g[i] / 1000;
+    check(fabs(mean) < 0.2, "Gaussian mean");
+    check(rokDeleteStream(&stream) == 0 && stream == NULL, "stream deleted");
 
     printf("%d passed, %d failed\n", checks - failures, failures);
     return failures != 0;
