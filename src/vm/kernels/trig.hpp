@@ -1,0 +1,162 @@
+// Shared pieces of the vector sine, cosine and tangent kernels (Sin, Cos, SinCos, Tan).
+//
+// Reduction (Cody-Waite, three parts): n = round(x*2/pi) through the 1.5*2^52 shifter, whose
+// low bits give the quadrant q = n mod 4; r = x - n*P1 - n*P2 - n*P3 with P1 and P2 of 33 bits
+// (n*P1, n*P2 exact for |n| < 2^20) and P3 the next 53 bits of pi/2. The paired form keeps the
+// rounding error of x - n*P1 - n*P2 (an exact two-sum) and of the last step in lo, so r + lo is
+// the reduced argument to about 2^-100 absolute for |x| <= 2^20, the range of the vector path.
+//
+// Polynomials on |r| <= pi/4 + 2^-40, z = r^2, Taylor coefficients (-1)^k/(2k + 1)! and
+// (-1)^k/(2k)! rounded to double (no fit): sin r = r + r*z*S(z) with S of `terms` coefficients
+// (truncation (pi/4)^(2 terms + 2)/(2 terms + 3)! relative), cos r = 1 - z/2 + z^2*C(z).
+// Both are returned as unevaluated pairs (hi, lo): sin as (r, r*z*S + lo*(1 - z/2)) and cos as
+// w = 1 - z/2 with the rounding errors of z, z/2 and w and the term -r*lo carried in the low
+// part, so that a final hi + lo rounds once, and the tangent can divide the pairs.
+#pragma once
+
+#include <qon/qon_pax.h>
+
+#include <cmath>
+#include <cstdint>
+#include <type_traits>
+
+#include "vm/kernels/simd.hpp"
+
+namespace qon::vm::trig {
+
+using namespace qon::simd;
+
+constexpr std::uint64_t two_over_pi = 0x3FE45F306DC9C883;  // 2/pi
+constexpr std::uint64_t shifter = 0x4338000000000000;      // 1.5*2^52
+constexpr std::uint64_t pio2_1 = 0x3FF921FB54400000;       // pi/2, first 33 bits
+constexpr std::uint64_t pio2_2 = 0x3DD0B4611A600000;       // next 33 bits
+constexpr std::uint64_t pio2_3 = 0x3BA3198A2E037073;       // next 53 bits
+constexpr double vector_limit = 1048576.0;                  // 2^20: larger |x| to the scalar routine
+
+constexpr double factorial(int k) { return k <= 1 ? 1.0 : k * factorial(k - 1); }
+
+// Taylor coefficient of degree d of sin (d odd) or cos (d even) in z = r^2 after the leading
+// terms: (-1)^(d/2) / d!.
+template <class V>
+V coefficient(int d) {
+    return splat<V>(((d / 2) % 2 == 0 ? 1.0 : -1.0) / factorial(d));
+}
+// Horner over the coefficients of degrees first, first + 2, ..., first + 2(terms - 1) in z.
+template <int terms, class V>
+V taylor(V z, int first) {
+    V p = coefficient<V>(first + 2 * (terms - 1));
+    for (int j = terms - 2; j >= 0; --j) p = mul_add(p, z, coefficient<V>(first + 2 * j));
+    return p;
+}
+
+template <class V>
+struct Reduced {
+    V r, lo;
+    Ints<V> q;  // quadrant in the low two bits
+};
+
+// The reduced argument of |x| <= 2^20; lo is zero unless paired.
+template <bool paired, class V>
+Reduced<V> reduce(V x) {
+    const V y = mul_add(x, constant<V>(two_over_pi), constant<V>(shifter));
+    const V n = y - constant<V>(shifter);
+    const V r1 = neg_mul_add(n, constant<V>(pio2_1), x);  // exact
+    if constexpr (!paired) {
+        const V r2 = neg_mul_add(n, constant<V>(pio2_2), r1);
+        return {neg_mul_add(n, constant<V>(pio2_3), r2), splat<V>(0.0), bits(y)};
+    } else {
+        const V w = n * constant<V>(pio2_2);  // exact
+        const V r2 = r1 - w;
+        const V b = r2 - r1;
+        const V e2 = (r1 - (r2 - b)) - (w + b);  // two-sum error of r1 - w
+        const V p3 = n * constant<V>(pio2_3);
+        const V r = r2 - p3;
+        const V lo = ((r2 - r) - p3) + e2;
+        return {r, lo, bits(y)};
+    }
+}
+
+template <class V>
+struct Pair {
+    V hi, lo;
+    V value() const { return hi + lo; }
+};
+
+template <int terms, class V>
+Pair<V> sin_pair(const Reduced<V> &a, V z) {
+    const V half = splat<V>(0.5);
+    const V tail = mul_add(a.r * z, taylor<terms>(z, 3), a.lo * neg_mul_add(half, z, splat<V>(1.0)));
+    return {a.r, tail};
+}
+
+template <int terms, class V>
+Pair<V> cos_pair(const Reduced<V> &a, V z) {
+    const V one = splat<V>(1.0);
+    const V hz = splat<V>(0.5) * z;
+    const V w = one - hz;
+    const V z_err = mul_sub(a.r, a.r, z);  // r^2 - z, exact
+    const V rounding = neg_mul_add(splat<V>(0.5), z_err, (one - w) - hz);
+    const V tail = mul_add(z * z, taylor<terms>(z, 4), neg_mul_add(a.r, a.lo, rounding));
+    return {w, tail};
+}
+
+// Lanes whose quadrant has bit `b` set, as a mask.
+template <int b, class V>
+Mask<V> quadrant_bit(Ints<V> q) {
+    return int_gt(q & splat_q<V>(1u << b), splat_q<V>(0));
+}
+// v with its sign flipped where bit 1 of q is set.
+template <class V>
+V flip_by(V v, Ints<V> q) {
+    return from_bits(bits(v) ^ shl<63>(shr<1>(q) & splat_q<V>(1)));
+}
+
+// sin x and cos x from the pairs: quadrant 0: (s, c), 1: (c, -s), 2: (-s, -c), 3: (-c, s).
+template <class V>
+void sin_cos(const Reduced<V> &a, V s, V c, V &sin_x, V &cos_x) {
+    const Mask<V> odd = quadrant_bit<0, V>(a.q);
+    sin_x = flip_by(select(odd, c, s), a.q);
+    cos_x = flip_by(select(odd, s, c), a.q + splat_q<V>(1));
+}
+
+// Lanes beyond the vector range, infinities and NaN go to the scalar routine.
+template <class V>
+Mask<V> beyond(V x) {
+    return gt_or_nan(abs(x), splat<V>(Elem<V>(vector_limit)));
+}
+
+// The scalar routine of every slot: f in long double (64-bit significand, full-range
+// reduction), rounded once: within 0.5 + 2^-11 ulp. +-inf gives NaN, a domain error.
+template <class T, class F>
+int scalar(T x, T &r, F f) {
+    r = static_cast<T>(f(static_cast<long double>(x)));
+    return std::isinf(x) ? PAX_STATUS_ERRDOM : PAX_STATUS_OK;
+}
+
+// The method of a one-result function: Kind::combine(x, a, s, c) picks the result from the
+// reduced argument and the pairs; Kind::f is its long-double function. Single precision runs
+// the same in double lanes and rounds once.
+template <class Kind, class E, int sin_terms, int cos_terms, bool paired>
+struct Method {
+    using T = E;
+    static constexpr int groups = std::is_same_v<E, double> ? 2 : 1;
+
+    template <class D>
+    static D in_lanes(D x) {
+        const Reduced<D> a = reduce<paired>(x);
+        const D z = a.r * a.r;
+        return Kind::combine(x, a, sin_pair<sin_terms>(a, z), cos_pair<cos_terms>(a, z));
+    }
+    template <class V>
+    static V eval(V x) {
+        if constexpr (std::is_same_v<Elem<V>, double>) return in_lanes(x);
+        else return in_double(x, [](auto d) { return in_lanes(d); });
+    }
+    template <bool tail, class V>
+    static Mask<V> special(V x) { return beyond(x); }
+    static int scalar(T x, T &r) {
+        return trig::scalar(x, r, [](long double w) { return Kind::f(w); });
+    }
+};
+
+}  // namespace qon::vm::trig
