@@ -1,7 +1,46 @@
-// Tan: tangent, with libm's full-range argument reduction.
-// HA evaluates the libm function of the next wider type and rounds once (within
-// 0.5 ulp plus 2^-11 ulp); LA and EP call the function of the element type (glibc: within 2 ulp).
-// +-inf is a domain error.
-#include "vm/kernels/elementary.hpp"
+// Tan: tangent, double and single precision, on the reduction and pairs of trig.hpp.
+// tan x = s/c in even quadrants and -c/s in odd ones, from the pairs (hi, lo) of sin r and
+// cos r: t0 = (n_hi + n_lo)*(1/d) is corrected by the residual of the pairs,
+// t = t0 + ((n_hi - t0*d_hi) + (n_lo - t0*d_lo))/d, the first difference in one fused
+// rounding, so the quotient itself adds little beyond the final rounding.
+//   double HA: paired reduction, 9 and 8 Taylor terms: measured 0.88 ulp.
+//   double LA: plain reduction, 8 and 7 terms: measured 1.9 ulp.
+//   double EP: plain reduction, 5 and 4 terms (truncation 2^-33).
+//   single, every slot: the double EP evaluation in double lanes rounded once.
+// There is no exact pole in floating point: finite x never reports. Lanes with |x| > 2^20,
+// infinities and NaN go to the scalar routine: tanl rounded once, +-inf a domain error (NaN).
+// tan(+-0) = +-0 is kept by selecting x at zero.
+#include <cmath>
 
-QON_VM_REAL_LIBM(Tan, std::tan(w))
+#include "vm/kernels/trig.hpp"
+#include "vm/kernels/vector_driver.hpp"
+
+namespace {
+
+using namespace qon::vm::trig;
+
+struct TanKind {
+    template <class V>
+    static V combine(V x, const Reduced<V> &a, Pair<V> s, Pair<V> c) {
+        const Mask<V> odd = quadrant_bit<0, V>(a.q);
+        const Pair<V> num{select(odd, c.hi, s.hi), select(odd, c.lo, s.lo)};
+        const Pair<V> den{select(odd, s.hi, c.hi), select(odd, s.lo, c.lo)};
+        const V inv = splat<V>(1.0) / den.value();
+        const V t0 = num.value() * inv;
+        const V e = neg_mul_add(t0, den.hi, num.hi) + neg_mul_add(t0, den.lo, num.lo);
+        const V t = mul_add(e, inv, t0);
+        const V signed_t = select(odd, splat<V>(0.0) - t, t);
+        return select(eq(x, splat<V>(0.0)), x, signed_t);
+    }
+    static long double f(long double w) { return tanl(w); }
+};
+
+using TanLA = Method<TanKind, double, 8, 7, false>;
+using TanHA = Method<TanKind, double, 9, 8, true>;
+using TanEP = Method<TanKind, double, 5, 4, false>;
+using TanFloat = Method<TanKind, float, 5, 4, false>;
+
+}  // namespace
+
+QON_VM_VECTOR_KERNELS(d, Tan, double, TanLA, TanHA, TanEP)
+QON_VM_VECTOR_KERNELS(s, Tan, float, TanFloat, TanFloat, TanFloat)
