@@ -32,11 +32,11 @@ constexpr std::uint64_t ln2_lo = 0x3DEA39EF35793C76;        // ln 2 - L1
 constexpr double two_54 = 18014398509481984.0;
 
 // R(z)/z = 2/3 + 2z/5 + ... + 2z^(N-1)/(2N + 1), by Horner's scheme from the highest term.
-template <int N, class V>
+template <int N, class V, int j = 1>
 V series_poly(V z) {
-    V p = splat<V>(2.0 / (2 * N + 1));
-    for (int j = N - 1; j >= 1; --j) p = mul_add(p, z, splat<V>(2.0 / (2 * j + 1)));
-    return p;
+    constexpr double c = 2.0 / (2 * j + 1);
+    if constexpr (j == N) return splat<V>(c);
+    else return mul_add(series_poly<N, V, j + 1>(z), z, splat<V>(c));
 }
 
 // ln x for positive normal double x (lanes of V), k lowered by `shift`.

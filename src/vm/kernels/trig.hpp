@@ -35,18 +35,16 @@ constexpr double vector_limit = 1048576.0;                  // 2^20: larger |x| 
 
 constexpr double factorial(int k) { return k <= 1 ? 1.0 : k * factorial(k - 1); }
 
-// Taylor coefficient of degree d of sin (d odd) or cos (d even) in z = r^2 after the leading
-// terms: (-1)^(d/2) / d!.
-template <class V>
-V coefficient(int d) {
-    return splat<V>(((d / 2) % 2 == 0 ? 1.0 : -1.0) / factorial(d));
-}
+// Taylor coefficient of degree d of sin (d odd) or cos (d even), the sign of z^(d/2) included:
+// (-1)^(d/2) / d!, a compile-time constant.
+template <int d>
+inline constexpr double coefficient = ((d / 2) % 2 == 0 ? 1.0 : -1.0) / factorial(d);
+
 // Horner over the coefficients of degrees first, first + 2, ..., first + 2(terms - 1) in z.
-template <int terms, class V>
-V taylor(V z, int first) {
-    V p = coefficient<V>(first + 2 * (terms - 1));
-    for (int j = terms - 2; j >= 0; --j) p = mul_add(p, z, coefficient<V>(first + 2 * j));
-    return p;
+template <int terms, int first, class V>
+V taylor(V z) {
+    if constexpr (terms == 1) return splat<V>(coefficient<first>);
+    else return mul_add(taylor<terms - 1, first + 2>(z), z, splat<V>(coefficient<first>));
 }
 
 template <class V>
@@ -85,7 +83,7 @@ struct Pair {
 template <int terms, class V>
 Pair<V> sin_pair(const Reduced<V> &a, V z) {
     const V half = splat<V>(0.5);
-    const V tail = mul_add(a.r * z, taylor<terms>(z, 3), a.lo * neg_mul_add(half, z, splat<V>(1.0)));
+    const V tail = mul_add(a.r * z, taylor<terms, 3>(z), a.lo * neg_mul_add(half, z, splat<V>(1.0)));
     return {a.r, tail};
 }
 
@@ -96,7 +94,7 @@ Pair<V> cos_pair(const Reduced<V> &a, V z) {
     const V w = one - hz;
     const V z_err = mul_sub(a.r, a.r, z);  // r^2 - z, exact
     const V rounding = neg_mul_add(splat<V>(0.5), z_err, (one - w) - hz);
-    const V tail = mul_add(z * z, taylor<terms>(z, 4), neg_mul_add(a.r, a.lo, rounding));
+    const V tail = mul_add(z * z, taylor<terms, 4>(z), neg_mul_add(a.r, a.lo, rounding));
     return {w, tail};
 }
 
