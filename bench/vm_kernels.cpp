@@ -1,0 +1,203 @@
+// Vector-math kernels of the square root, inverse square root, logarithm, sine, cosine,
+// sine-and-cosine and tangent against their peers, in one run: each qon slot (HA, LA, EP; one
+// row for Sqrt, whose slots share a kernel) against a scalar libm loop, glibc's libmvec AVX2
+// variants (_ZGVdN4v_*, _ZGVdN8v_*f) and SLEEF's AVX2 variants (u10 and u35; u05 for the square
+// root), at n = 1000 and n = 1,000,000.
+//
+// Rows are "<t><Func>/<impl>/<n>" (qon rows "qon_HA", "qon_LA", "qon_EP"); after the runs the
+// ratio reporter prints baseline time / qon time for every pair of the same function and n.
+// Arguments (fixed seed): Sqrt, InvSqrt uniform in (0, 1e6]; Ln log-uniform in [1e-30, 1e30]
+// (double) and [1e-15, 1e15] (single); Sin, Cos, SinCos, Tan uniform in [-100, 100].
+// Run: qon_bench_vm_kernels --benchmark_repetitions=5 --benchmark_report_aggregates_only=true
+#include <benchmark/benchmark.h>
+#include <immintrin.h>
+#include <qon/qon_pax.h>
+
+#include <cmath>
+#include <functional>
+#include <map>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "ratio_reporter.hpp"
+
+#ifdef QON_HAVE_SLEEF
+#include <sleef.h>
+#endif
+#ifdef QON_HAVE_MVEC
+extern "C" __m256d _ZGVdN4v_log(__m256d);
+extern "C" __m256d _ZGVdN4v_sin(__m256d);
+extern "C" __m256d _ZGVdN4v_cos(__m256d);
+extern "C" __m256d _ZGVdN4v_tan(__m256d);
+extern "C" __m256 _ZGVdN8v_logf(__m256);
+extern "C" __m256 _ZGVdN8v_sinf(__m256);
+extern "C" __m256 _ZGVdN8v_cosf(__m256);
+extern "C" __m256 _ZGVdN8v_tanf(__m256);
+#endif
+
+namespace {
+
+enum class Domain { positive, logarithmic, periodic };
+
+template <class T>
+const std::vector<T> &arguments(Domain d, std::size_t n) {
+    static std::map<std::pair<Domain, std::size_t>, std::vector<T>> cache;
+    auto &v = cache[{d, n}];
+    if (v.empty()) {
+        std::mt19937_64 gen(20261122);
+        const double decades = sizeof(T) == 8 ? 30 : 15;
+        std::uniform_real_distribution<double> u(0, 1);
+        v.resize(n);
+        for (auto &x : v) {
+            const double p = u(gen);
+            x = static_cast<T>(d == Domain::positive      ? 1e6 * (1 - p)
+                               : d == Domain::logarithmic ? std::pow(10.0, decades * (2 * p - 1))
+                                                          : 200 * p - 100);
+        }
+    }
+    return v;
+}
+
+// One result per element (r2 unused) or two (SinCos).
+template <class T>
+using Kernel = std::function<void(int, const T *, T *, T *)>;
+
+template <class T>
+void add(const std::string &row, Domain d, Kernel<T> k) {
+    benchmark::RegisterBenchmark(row.c_str(), [d, k](benchmark::State &state) {
+        const auto n = static_cast<std::size_t>(state.range(0));
+        const std::vector<T> &x = arguments<T>(d, n);
+        std::vector<T> r1(n), r2(n);
+        for (auto _ : state) {
+            k(static_cast<int>(n), x.data(), r1.data(), r2.data());
+            benchmark::DoNotOptimize(r1.data());
+            benchmark::DoNotOptimize(r2.data());
+            benchmark::ClobberMemory();
+        }
+        state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * n));
+    })->Arg(1000)->Arg(1000000);
+}
+
+// A loop over a four-double or eight-float vector function (n a multiple of the lanes).
+template <class R>  // __m256d, const-qualified in SLEEF's declarations
+Kernel<double> lanes(R (*f)(__m256d)) {
+    return [f](int n, const double *a, double *r, double *) {
+        for (int i = 0; i < n; i += 4) _mm256_storeu_pd(r + i, f(_mm256_loadu_pd(a + i)));
+    };
+}
+template <class R>
+Kernel<float> lanes(R (*f)(__m256)) {
+    return [f](int n, const float *a, float *r, float *) {
+        for (int i = 0; i < n; i += 8) _mm256_storeu_ps(r + i, f(_mm256_loadu_ps(a + i)));
+    };
+}
+template <class T>
+Kernel<T> scalar_loop(T (*f)(T)) {
+    return [f](int n, const T *a, T *r, T *) {
+        for (int i = 0; i < n; ++i) r[i] = f(a[i]);
+    };
+}
+template <class T>
+Kernel<T> qon(void (*f)(int, const T *, T *)) {
+    return [f](int n, const T *a, T *r, T *) { f(n, a, r); };
+}
+template <class T>
+Kernel<T> qon(void (*f)(int, const T *, T *, T *)) {
+    return f;
+}
+
+// The three qon slots of a one- or two-result function.
+template <class F>
+void qon_slots(const std::string &name, Domain d, F ha, F la, F ep) {
+    add(name + "/qon_HA", d, qon(ha));
+    add(name + "/qon_LA", d, qon(la));
+    add(name + "/qon_EP", d, qon(ep));
+}
+
+void register_all() {
+    // Baselines first, so that every ratio is taken in the same run.
+    add<double>("dSqrt/libm", Domain::positive, scalar_loop<double>(std::sqrt));
+    add<float>("sSqrt/libm", Domain::positive, scalar_loop<float>(std::sqrt));
+    add<double>("dInvSqrt/libm", Domain::positive, scalar_loop<double>([](double x) { return 1 / std::sqrt(x); }));
+    add<float>("sInvSqrt/libm", Domain::positive, scalar_loop<float>([](float x) { return 1 / std::sqrt(x); }));
+    add<double>("dLn/libm", Domain::logarithmic, scalar_loop<double>(std::log));
+    add<float>("sLn/libm", Domain::logarithmic, scalar_loop<float>(std::log));
+    add<double>("dSin/libm", Domain::periodic, scalar_loop<double>(std::sin));
+    add<float>("sSin/libm", Domain::periodic, scalar_loop<float>(std::sin));
+    add<double>("dCos/libm", Domain::periodic, scalar_loop<double>(std::cos));
+    add<float>("sCos/libm", Domain::periodic, scalar_loop<float>(std::cos));
+    add<double>("dTan/libm", Domain::periodic, scalar_loop<double>(std::tan));
+    add<float>("sTan/libm", Domain::periodic, scalar_loop<float>(std::tan));
+    add<double>("dSinCos/libm", Domain::periodic, [](int n, const double *a, double *s, double *c) {
+        for (int i = 0; i < n; ++i) sincos(a[i], s + i, c + i);
+    });
+    add<float>("sSinCos/libm", Domain::periodic, [](int n, const float *a, float *s, float *c) {
+        for (int i = 0; i < n; ++i) sincosf(a[i], s + i, c + i);
+    });
+#ifdef QON_HAVE_MVEC
+    add("dLn/mvec", Domain::logarithmic, lanes(_ZGVdN4v_log));
+    add("sLn/mvec", Domain::logarithmic, lanes(_ZGVdN8v_logf));
+    add("dSin/mvec", Domain::periodic, lanes(_ZGVdN4v_sin));
+    add("sSin/mvec", Domain::periodic, lanes(_ZGVdN8v_sinf));
+    add("dCos/mvec", Domain::periodic, lanes(_ZGVdN4v_cos));
+    add("sCos/mvec", Domain::periodic, lanes(_ZGVdN8v_cosf));
+    add("dTan/mvec", Domain::periodic, lanes(_ZGVdN4v_tan));
+    add("sTan/mvec", Domain::periodic, lanes(_ZGVdN8v_tanf));
+#endif
+#ifdef QON_HAVE_SLEEF
+    add("dSqrt/sleef_u05", Domain::positive, lanes(Sleef_sqrtd4_u05avx2));
+    add("sSqrt/sleef_u05", Domain::positive, lanes(Sleef_sqrtf8_u05avx2));
+    add("dLn/sleef_u10", Domain::logarithmic, lanes(Sleef_logd4_u10avx2));
+    add("dLn/sleef_u35", Domain::logarithmic, lanes(Sleef_logd4_u35avx2));
+    add("sLn/sleef_u10", Domain::logarithmic, lanes(Sleef_logf8_u10avx2));
+    add("sLn/sleef_u35", Domain::logarithmic, lanes(Sleef_logf8_u35avx2));
+    add("dSin/sleef_u10", Domain::periodic, lanes(Sleef_sind4_u10avx2));
+    add("dSin/sleef_u35", Domain::periodic, lanes(Sleef_sind4_u35avx2));
+    add("sSin/sleef_u10", Domain::periodic, lanes(Sleef_sinf8_u10avx2));
+    add("sSin/sleef_u35", Domain::periodic, lanes(Sleef_sinf8_u35avx2));
+    add("dCos/sleef_u10", Domain::periodic, lanes(Sleef_cosd4_u10avx2));
+    add("dCos/sleef_u35", Domain::periodic, lanes(Sleef_cosd4_u35avx2));
+    add("sCos/sleef_u10", Domain::periodic, lanes(Sleef_cosf8_u10avx2));
+    add("sCos/sleef_u35", Domain::periodic, lanes(Sleef_cosf8_u35avx2));
+    add("dTan/sleef_u10", Domain::periodic, lanes(Sleef_tand4_u10avx2));
+    add("dTan/sleef_u35", Domain::periodic, lanes(Sleef_tand4_u35avx2));
+    add("sTan/sleef_u10", Domain::periodic, lanes(Sleef_tanf8_u10avx2));
+    add("sTan/sleef_u35", Domain::periodic, lanes(Sleef_tanf8_u35avx2));
+    add<double>("dSinCos/sleef_u10", Domain::periodic, [](int n, const double *a, double *s, double *c) {
+        for (int i = 0; i < n; i += 4) {
+            const Sleef___m256d_2 v = Sleef_sincosd4_u10avx2(_mm256_loadu_pd(a + i));
+            _mm256_storeu_pd(s + i, v.x);
+            _mm256_storeu_pd(c + i, v.y);
+        }
+    });
+    add<float>("sSinCos/sleef_u10", Domain::periodic, [](int n, const float *a, float *s, float *c) {
+        for (int i = 0; i < n; i += 8) {
+            const Sleef___m256_2 v = Sleef_sincosf8_u10avx2(_mm256_loadu_ps(a + i));
+            _mm256_storeu_ps(s + i, v.x);
+            _mm256_storeu_ps(c + i, v.y);
+        }
+    });
+#endif
+    add("dSqrt/qon", Domain::positive, qon(paxdSqrt));
+    add("sSqrt/qon", Domain::positive, qon(paxsSqrt));
+    qon_slots("dInvSqrt", Domain::positive, paxdInvSqrt, paxdInvSqrt_50, paxdInvSqrt_26);
+    qon_slots("sInvSqrt", Domain::positive, paxsInvSqrt, paxsInvSqrt_21, paxsInvSqrt_11);
+    qon_slots("dLn", Domain::logarithmic, paxdLn, paxdLn_50, paxdLn_26);
+    qon_slots("sLn", Domain::logarithmic, paxsLn, paxsLn_21, paxsLn_11);
+    qon_slots("dSin", Domain::periodic, paxdSin, paxdSin_50, paxdSin_26);
+    qon_slots("sSin", Domain::periodic, paxsSin, paxsSin_21, paxsSin_11);
+    qon_slots("dCos", Domain::periodic, paxdCos, paxdCos_50, paxdCos_26);
+    qon_slots("sCos", Domain::periodic, paxsCos, paxsCos_21, paxsCos_11);
+    qon_slots("dTan", Domain::periodic, paxdTan, paxdTan_50, paxdTan_26);
+    qon_slots("sTan", Domain::periodic, paxsTan, paxsTan_21, paxsTan_11);
+    qon_slots("dSinCos", Domain::periodic, paxdSinCos, paxdSinCos_50, paxdSinCos_26);
+    qon_slots("sSinCos", Domain::periodic, paxsSinCos, paxsSinCos_21, paxsSinCos_11);
+}
+
+}  // namespace
+
+int main(int argc, char **argv) {
+    register_all();
+    return qon_bench::run_with_ratios(argc, argv);
+}
