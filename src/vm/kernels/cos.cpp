@@ -11,7 +11,6 @@
 #include <cmath>
 
 #include "vm/kernels/trig.hpp"
-#include "vm/kernels/vector_driver.hpp"
 
 namespace {
 
@@ -27,12 +26,6 @@ struct CosKind {
     static long double f(long double w) { return cosl(w); }
 };
 
-using CosLA = Method<CosKind, double, 8, 7, false>;
-using CosHA = Method<CosKind, double, 9, 8, true>;
-using CosEP = Method<CosKind, double, 5, 4, false>;
-using CosFloat = Method<CosKind, float, 5, 4, false>;
-
 }  // namespace
 
-QON_VM_VECTOR_KERNELS(d, Cos, double, CosLA, CosHA, CosEP)
-QON_VM_VECTOR_KERNELS(s, Cos, float, CosFloat, CosFloat, CosFloat)
+QON_VM_TRIG_KERNELS(Cos, CosKind)

@@ -11,7 +11,6 @@
 #include <cmath>
 
 #include "vm/kernels/trig.hpp"
-#include "vm/kernels/vector_driver.hpp"
 
 namespace {
 
@@ -27,12 +26,6 @@ struct SinKind {
     static long double f(long double w) { return sinl(w); }
 };
 
-using SinLA = Method<SinKind, double, 8, 7, false>;
-using SinHA = Method<SinKind, double, 9, 8, true>;
-using SinEP = Method<SinKind, double, 5, 4, false>;
-using SinFloat = Method<SinKind, float, 5, 4, false>;
-
 }  // namespace
 
-QON_VM_VECTOR_KERNELS(d, Sin, double, SinLA, SinHA, SinEP)
-QON_VM_VECTOR_KERNELS(s, Sin, float, SinFloat, SinFloat, SinFloat)
+QON_VM_TRIG_KERNELS(Sin, SinKind)

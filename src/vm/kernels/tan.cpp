@@ -13,7 +13,6 @@
 #include <cmath>
 
 #include "vm/kernels/trig.hpp"
-#include "vm/kernels/vector_driver.hpp"
 
 namespace {
 
@@ -35,12 +34,6 @@ struct TanKind {
     static long double f(long double w) { return tanl(w); }
 };
 
-using TanLA = Method<TanKind, double, 8, 7, false>;
-using TanHA = Method<TanKind, double, 9, 8, true>;
-using TanEP = Method<TanKind, double, 5, 4, false>;
-using TanFloat = Method<TanKind, float, 5, 4, false>;
-
 }  // namespace
 
-QON_VM_VECTOR_KERNELS(d, Tan, double, TanLA, TanHA, TanEP)
-QON_VM_VECTOR_KERNELS(s, Tan, float, TanFloat, TanFloat, TanFloat)
+QON_VM_TRIG_KERNELS(Tan, TanKind)

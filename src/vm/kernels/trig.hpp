@@ -21,6 +21,7 @@
 #include <type_traits>
 
 #include "vm/kernels/simd.hpp"
+#include "vm/kernels/vector_driver.hpp"
 
 namespace qon::vm::trig {
 
@@ -157,4 +158,22 @@ struct Method {
     }
 };
 
+// Terms per slot: double LA plain reduction, 8 and 7 terms (truncation 2^-59); HA paired, 9 and
+// 8 (2^-62); EP plain, 5 and 4 (2^-33); single, every slot, the double EP terms in double lanes.
+template <class Kind>
+using DoubleLA = Method<Kind, double, 8, 7, false>;
+template <class Kind>
+using DoubleHA = Method<Kind, double, 9, 8, true>;
+template <class Kind>
+using DoubleEP = Method<Kind, double, 5, 4, false>;
+template <class Kind>
+using Single = Method<Kind, float, 5, 4, false>;
+
 }  // namespace qon::vm::trig
+
+// The six kernels of each element type of a one-result trigonometric function.
+#define QON_VM_TRIG_KERNELS(F, Kind)                                                                        \
+    QON_VM_VECTOR_KERNELS(d, F, double, qon::vm::trig::DoubleLA<Kind>, qon::vm::trig::DoubleHA<Kind>,       \
+                          qon::vm::trig::DoubleEP<Kind>)                                                    \
+    QON_VM_VECTOR_KERNELS(s, F, float, qon::vm::trig::Single<Kind>, qon::vm::trig::Single<Kind>,            \
+                          qon::vm::trig::Single<Kind>)
