@@ -26,7 +26,7 @@ struct SinCos {
     static void in_lanes(D x, D &sin_x, D &cos_x) {
         const Reduced<D> a = reduce<paired>(x);
         const D z = a.r * a.r;
-        sin_cos(a, sin_pair<sin_terms>(a, z).value(), cos_pair<cos_terms>(a, z).value(), sin_x, cos_x);
+        sin_cos(a, sin_pair<sin_terms, paired>(a, z).value(), cos_pair<cos_terms>(a, z).value(), sin_x, cos_x);
         sin_x = select(eq(x, splat<D>(0.0)), x, sin_x);
     }
     template <class V>

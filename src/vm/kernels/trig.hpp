@@ -81,11 +81,27 @@ struct Pair {
     V value() const { return hi + lo; }
 };
 
-template <int terms, class V>
+// In the paired form the leading term -r^3/6 is carried exactly enough: r^3 = r*z with the
+// fma errors of z and of r*z, -1/6 as two doubles, r + (-r^3/6) as an exact fast two-sum
+// (|r^3/6| < |r|), so the last rounding of hi + lo is the only one of weight 2^-53.
+constexpr std::uint64_t minus_sixth_hi = 0xBFC5555555555555;
+constexpr std::uint64_t minus_sixth_lo = 0xBC65555555555555;
+
+template <int terms, bool paired, class V>
 Pair<V> sin_pair(const Reduced<V> &a, V z) {
-    const V half = splat<V>(0.5);
-    const V tail = mul_add(a.r * z, taylor<terms, 3>(z), a.lo * neg_mul_add(half, z, splat<V>(1.0)));
-    return {a.r, tail};
+    const V lo_term = a.lo * neg_mul_add(splat<V>(0.5), z, splat<V>(1.0));
+    const V r3 = a.r * z;
+    if constexpr (!paired) {
+        return {a.r, mul_add(r3, taylor<terms, 3>(z), lo_term)};
+    } else {
+        const V r3_err = mul_add(a.r, mul_sub(a.r, a.r, z), mul_sub(a.r, z, r3));
+        const V p = r3 * constant<V>(minus_sixth_hi);
+        const V p_err = mul_sub(r3, constant<V>(minus_sixth_hi), p);
+        const V small = mul_add(r3_err, constant<V>(minus_sixth_hi), mul_add(r3, constant<V>(minus_sixth_lo), p_err));
+        const V rest = mul_add(r3 * z, taylor<terms - 1, 5>(z), small + lo_term);
+        const V hi = a.r + p;
+        return {hi, ((a.r - hi) + p) + rest};
+    }
 }
 
 template <int terms, class V>
@@ -144,7 +160,7 @@ struct Method {
     static D in_lanes(D x) {
         const Reduced<D> a = reduce<paired>(x);
         const D z = a.r * a.r;
-        return Kind::combine(x, a, sin_pair<sin_terms>(a, z), cos_pair<cos_terms>(a, z));
+        return Kind::combine(x, a, sin_pair<sin_terms, paired>(a, z), cos_pair<cos_terms>(a, z));
     }
     template <class V>
     static V eval(V x) {
