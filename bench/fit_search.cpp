@@ -23,6 +23,8 @@
 #include <gsl/gsl_interp.h>
 #endif
 
+#include "ratio_reporter.hpp"
+
 namespace {
 
 constexpr int64_t kSizes[] = {16, 1000, 100000, 10000000};
@@ -134,52 +136,10 @@ void register_all() {
     }
 }
 
-// Passes everything to the console and keeps the time per iteration of each row (the median
-// aggregate when repetitions are on) to print the ratio table at the end.
-class RatioReporter : public benchmark::ConsoleReporter {
-public:
-    void ReportRuns(const std::vector<Run> &runs) override {
-        ConsoleReporter::ReportRuns(runs);
-        for (const Run &r : runs) {
-            if (r.error_occurred) continue;
-            const bool median = r.run_type == Run::RT_Aggregate && r.aggregate_name == "median";
-            if (r.run_type == Run::RT_Aggregate && !median) continue;
-            const std::string name = r.run_name.str();  // "<sites>/<impl>/<nx>"
-            if (median || times_.count(name) == 0 || !has_median_[name]) {
-                times_[name] = r.GetAdjustedCPUTime();
-                has_median_[name] = has_median_[name] || median;
-            }
-        }
-    }
-    void Finalize() override {
-        ConsoleReporter::Finalize();
-        std::printf("\nSpeed ratios (baseline CPU time / qon CPU time, same run):\n");
-        for (const auto &[qname, qt] : times_) {
-            if (qname.find("/qon ") == std::string::npos) continue;
-            const std::string kind = qname.substr(0, qname.find('/'));
-            const std::string size = qname.substr(qname.rfind('/'));
-            for (const auto &[bname, bt] : times_) {
-                if (bname.find("/qon ") != std::string::npos || bname.rfind(kind + "/", 0) != 0 ||
-                    bname.substr(bname.rfind('/')) != size)
-                    continue;
-                std::printf("  %-36s vs %-44s %7.2fx\n", qname.c_str(), bname.c_str(), bt / qt);
-            }
-        }
-    }
-
-private:
-    std::map<std::string, double> times_;
-    std::map<std::string, bool> has_median_;
-};
-
 }  // namespace
 
 int main(int argc, char **argv) {
     setenv("QON_NUM_THREADS", "1", 0);
-    benchmark::Initialize(&argc, argv);
     register_all();
-    RatioReporter reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    benchmark::Shutdown();
-    return 0;
+    return qon_bench::run_with_ratios(argc, argv);
 }

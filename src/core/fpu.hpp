@@ -36,67 +36,61 @@ inline void x87_load_env(const X87Env &env) { asm volatile("fldenv %0" : : "m"(e
 // Executes a waiting x87 instruction: a pending unmasked exception is delivered here.
 inline void x87_wait() { asm volatile("fwait"); }
 
-// Saves both control words, sets the state a kernel needs, restores on destruction. The MXCSR
-// exception flags raised inside the kernel are kept; only the control bits are put back.
-class Guard {
+// Both control words as found, and which of them a scope changed: on destruction the changed
+// ones are put back. The MXCSR exception flags raised inside the scope are kept; only the
+// control bits are restored.
+class ControlScope {
 public:
-    explicit Guard(std::uint32_t mode) {
-        saved_cw_ = x87_control();
-        if ((saved_cw_ & x87_exception_masks) != x87_exception_masks) {
-            x87_clear_exceptions();
-            set_x87_control(static_cast<std::uint16_t>(saved_cw_ | x87_exception_masks));
-            cw_changed_ = true;
-        }
-        std::uint32_t required =
-            (mode & 0x3C0000u) == 0x280000u ? mxcsr_masked_nearest_ftz_daz : mxcsr_masked_nearest;
-        saved_csr_ = _mm_getcsr();
-        if ((saved_csr_ & ~mxcsr_flags) != required) {
-            _mm_setcsr(required | (saved_csr_ & mxcsr_flags));
-            csr_changed_ = true;
-        }
-    }
-    ~Guard() {
+    ControlScope(const ControlScope &) = delete;
+    ControlScope &operator=(const ControlScope &) = delete;
+
+protected:
+    ControlScope() : saved_csr_(_mm_getcsr()), saved_cw_(x87_control()) {}
+    ~ControlScope() {
         if (csr_changed_) _mm_setcsr((saved_csr_ & ~mxcsr_flags) | (_mm_getcsr() & mxcsr_flags));
         if (cw_changed_) set_x87_control(saved_cw_);
     }
-    Guard(const Guard &) = delete;
-    Guard &operator=(const Guard &) = delete;
+    void set_x87(std::uint16_t cw) {
+        set_x87_control(cw);
+        cw_changed_ = true;
+    }
+    void set_csr(std::uint32_t csr) {
+        _mm_setcsr(csr);
+        csr_changed_ = true;
+    }
+
+    std::uint32_t saved_csr_;
+    std::uint16_t saved_cw_;
 
 private:
-    std::uint32_t saved_csr_ = 0;
-    std::uint16_t saved_cw_ = 0;
     bool cw_changed_ = false;
     bool csr_changed_ = false;
 };
 
-// Masks every exception in both units (control word | 0x3F, MXCSR | 0x1F80) and restores the
-// previous words on destruction; used by the distribution generators around their work.
-class MaskAll {
+// The state every kernel runs in: all exceptions masked in both units, round to nearest, and
+// flush-to-zero with denormals-are-zero exactly when the mode's denormal field is 0x280000.
+class Guard : ControlScope {
+public:
+    explicit Guard(std::uint32_t mode) {
+        if ((saved_cw_ & x87_exception_masks) != x87_exception_masks) {
+            x87_clear_exceptions();
+            set_x87(static_cast<std::uint16_t>(saved_cw_ | x87_exception_masks));
+        }
+        std::uint32_t required =
+            (mode & 0x3C0000u) == 0x280000u ? mxcsr_masked_nearest_ftz_daz : mxcsr_masked_nearest;
+        if ((saved_csr_ & ~mxcsr_flags) != required) set_csr(required | (saved_csr_ & mxcsr_flags));
+    }
+};
+
+// Masks every exception in both units (control word | 0x3F, MXCSR | 0x1F80), leaving the
+// rest as it is; used by the distribution generators around their work.
+class MaskAll : ControlScope {
 public:
     MaskAll() {
-        saved_cw_ = x87_control();
-        if ((saved_cw_ | x87_exception_masks) != saved_cw_) {
-            set_x87_control(static_cast<std::uint16_t>(saved_cw_ | x87_exception_masks));
-            cw_changed_ = true;
-        }
-        saved_csr_ = _mm_getcsr();
-        if ((saved_csr_ | 0x1F80u) != saved_csr_) {
-            _mm_setcsr(saved_csr_ | 0x1F80u);
-            csr_changed_ = true;
-        }
+        if ((saved_cw_ | x87_exception_masks) != saved_cw_)
+            set_x87(static_cast<std::uint16_t>(saved_cw_ | x87_exception_masks));
+        if ((saved_csr_ | 0x1F80u) != saved_csr_) set_csr(saved_csr_ | 0x1F80u);
     }
-    ~MaskAll() {
-        if (csr_changed_) _mm_setcsr((saved_csr_ & ~mxcsr_flags) | (_mm_getcsr() & mxcsr_flags));
-        if (cw_changed_) set_x87_control(saved_cw_);
-    }
-    MaskAll(const MaskAll &) = delete;
-    MaskAll &operator=(const MaskAll &) = delete;
-
-private:
-    std::uint32_t saved_csr_ = 0;
-    std::uint16_t saved_cw_ = 0;
-    bool cw_changed_ = false;
-    bool csr_changed_ = false;
 };
 
 }  // namespace qon::fpu

@@ -120,9 +120,11 @@ E make(double r, double i) {
     else return static_cast<E>(r);
 }
 
+// args, when given, holds the two argument values; the argument arrays then only locate the
+// element for the index correction (an in-place kernel has overwritten them).
 template <class E>
 void error_path(int code, int index, const E *a1, int inc1, const E *a2, int inc2, E *r1, int incr1, E *r2,
-                int incr2, const char *name) {
+                int incr2, const char *name, const E *args = nullptr) {
     ThreadRecord &record = initialised_record();
     std::uint32_t mode = record.mode;
     std::uint32_t errmode = mode & PAX_ERRMODE_MASK;
@@ -147,10 +149,11 @@ void error_path(int code, int index, const E *a1, int inc1, const E *a2, int inc
     const bool values = code != PAX_STATUS_BADARG && code != PAX_STATUS_BADPTR;
     const std::ptrdiff_t i = index;
     if (values) {
-        ctx.arg1 = re(a1[i * inc1]), ctx.arg2 = re(a2[i * inc2]);
+        const E x1 = args ? args[0] : a1[i * inc1], x2 = args ? args[1] : a2[i * inc2];
+        ctx.arg1 = re(x1), ctx.arg2 = re(x2);
         ctx.res1 = re(r1[i * incr1]), ctx.res2 = re(r2[i * incr2]);
         if constexpr (is_complex<E>) {
-            ctx.arg1_im = im(a1[i * inc1]), ctx.arg2_im = im(a2[i * inc2]);
+            ctx.arg1_im = im(x1), ctx.arg2_im = im(x2);
             ctx.res1_im = im(r1[i * incr1]), ctx.res2_im = im(r2[i * incr2]);
         }
     }
@@ -172,6 +175,11 @@ void error_path(int code, int index, const E *a1, int inc1, const E *a2, int inc
     void error_##t##I(int code, int index, const E *a1, int inc1, const E *a2, int inc2, E *r1, int incr1,   \
                       E *r2, int incr2, const char *name) {                                                  \
         error_path<E>(code, index, a1, inc1, a2, inc2, r1, incr1, r2, incr2, name);                          \
+    }                                                                                                        \
+    void error_##t##V(int code, int index, const E *a1, E x1, E x2, E *r1, int incr1, E *r2, int incr2,      \
+                      const char *name) {                                                                    \
+        const E args[2] = {x1, x2};                                                                          \
+        error_path<E>(code, index, a1, 0, a1, 0, r1, incr1, r2, incr2, name, args);                          \
     }
 QON_ERROR_ENTRIES(s, float)
 QON_ERROR_ENTRIES(d, double)

@@ -32,6 +32,38 @@ void error_zI(int code, int index, const std::complex<double> *a1, int inc1, con
               int inc2, std::complex<double> *r1, int incr1, std::complex<double> *r2, int incr2,
               const char *name);
 
+// Forms for kernels that may run in place: the element's argument values are passed, since the
+// result may already stand where the argument was; a1 still locates the element in the
+// caller's vector for the index correction.
+void error_sV(int code, int index, const float *a1, float x1, float x2, float *r1, int incr1, float *r2, int incr2,
+              const char *name);
+void error_dV(int code, int index, const double *a1, double x1, double x2, double *r1, int incr1, double *r2,
+              int incr2, const char *name);
+void error_cV(int code, int index, const std::complex<float> *a1, std::complex<float> x1, std::complex<float> x2,
+              std::complex<float> *r1, int incr1, std::complex<float> *r2, int incr2, const char *name);
+void error_zV(int code, int index, const std::complex<double> *a1, std::complex<double> x1,
+              std::complex<double> x2, std::complex<double> *r1, int incr1, std::complex<double> *r2, int incr2,
+              const char *name);
+
+inline void report_values(int code, int index, const float *a1, float x1, float x2, float *r1, int incr1, float *r2,
+                          int incr2, const char *name) {
+    error_sV(code, index, a1, x1, x2, r1, incr1, r2, incr2, name);
+}
+inline void report_values(int code, int index, const double *a1, double x1, double x2, double *r1, int incr1,
+                          double *r2, int incr2, const char *name) {
+    error_dV(code, index, a1, x1, x2, r1, incr1, r2, incr2, name);
+}
+inline void report_values(int code, int index, const std::complex<float> *a1, std::complex<float> x1,
+                          std::complex<float> x2, std::complex<float> *r1, int incr1, std::complex<float> *r2,
+                          int incr2, const char *name) {
+    error_cV(code, index, a1, x1, x2, r1, incr1, r2, incr2, name);
+}
+inline void report_values(int code, int index, const std::complex<double> *a1, std::complex<double> x1,
+                          std::complex<double> x2, std::complex<double> *r1, int incr1, std::complex<double> *r2,
+                          int incr2, const char *name) {
+    error_zV(code, index, a1, x1, x2, r1, incr1, r2, incr2, name);
+}
+
 // The same entries selected by element type, for templates.
 inline void report(int code, int index, const float *a1, int inc1, const float *a2, int inc2, float *r1,
                    int incr1, float *r2, int incr2, const char *name) {

@@ -44,41 +44,45 @@ void element_loop(int n, Step step) {
 template <class Routine, int A, class E>
 void loop_U(int n, const E *a, int inca, E *r, int incr, const char *name) {
     element_loop(n, [&](int i, std::ptrdiff_t k) {
+        const E x = a[k * inca];
         E y{};
-        int st = Routine::template eval<A>(a[k * inca], y);
+        int st = Routine::template eval<A>(x, y);
         r[k * incr] = y;
-        if (st != 0) report(st, i, a, inca, a, inca, r, incr, r, incr, name);
+        if (st != 0) report_values(st, i, a, x, x, r, incr, r, incr, name);
     });
 }
 
 template <class Routine, int A, class E>
 void loop_B(int n, const E *a, int inca, const E *b, int incb, E *r, int incr, const char *name) {
     element_loop(n, [&](int i, std::ptrdiff_t k) {
+        const E x = a[k * inca], z = b[k * incb];
         E y{};
-        int st = Routine::template eval<A>(a[k * inca], b[k * incb], y);
+        int st = Routine::template eval<A>(x, z, y);
         r[k * incr] = y;
-        if (st != 0) report(st, i, a, inca, b, incb, r, incr, r, incr, name);
+        if (st != 0) report_values(st, i, a, x, z, r, incr, r, incr, name);
     });
 }
 
 template <class Routine, int A, class E>
 void loop_U2(int n, const E *a, int inca, E *r1, int incr1, E *r2, int incr2, const char *name) {
     element_loop(n, [&](int i, std::ptrdiff_t k) {
+        const E x = a[k * inca];
         E y1{}, y2{};
-        int st = Routine::template eval<A>(a[k * inca], y1, y2);
+        int st = Routine::template eval<A>(x, y1, y2);
         r1[k * incr1] = y1;
         r2[k * incr2] = y2;
-        if (st != 0) report(st, i, a, inca, a, inca, r1, incr1, r2, incr2, name);
+        if (st != 0) report_values(st, i, a, x, x, r1, incr1, r2, incr2, name);
     });
 }
 
 template <class Routine, int A, class E>
 void loop_PX(int n, const E *a, int inca, E b, E *r, int incr, const char *name) {
     element_loop(n, [&](int i, std::ptrdiff_t k) {
+        const E x = a[k * inca];
         E y{};
-        int st = Routine::template eval<A>(a[k * inca], b, y);
+        int st = Routine::template eval<A>(x, b, y);
         r[k * incr] = y;
-        if (st != 0) report(st, i, a, inca, &b, 0, r, incr, r, incr, name);
+        if (st != 0) report_values(st, i, a, x, b, r, incr, r, incr, name);
     });
 }
 
@@ -86,20 +90,22 @@ template <class Routine, int A, class E, class R>
 void loop_LF(int n, const E *a, int inca, const E *b, int incb, R scalea, R shifta, R scaleb, R shiftb, E *r,
              int incr, const char *name) {
     element_loop(n, [&](int i, std::ptrdiff_t k) {
+        const E x = a[k * inca], z = b[k * incb];
         E y{};
-        int st = Routine::template eval<A>(a[k * inca], b[k * incb], scalea, shifta, scaleb, shiftb, y);
+        int st = Routine::template eval<A>(x, z, scalea, shifta, scaleb, shiftb, y);
         r[k * incr] = y;
-        if (st != 0) report(st, i, a, inca, b, incb, r, incr, r, incr, name);
+        if (st != 0) report_values(st, i, a, x, z, r, incr, r, incr, name);
     });
 }
 
 template <class Routine, int A, class E>
 void loop_NU(int n, const E *a, int inca, int nu, E *r, int incr, const char *name) {
     element_loop(n, [&](int i, std::ptrdiff_t k) {
+        const E x = a[k * inca];
         E y{};
-        int st = Routine::template eval<A>(a[k * inca], nu, y);
+        int st = Routine::template eval<A>(x, nu, y);
         r[k * incr] = y;
-        if (st != 0) report(st, i, a, inca, a, inca, r, incr, r, incr, name);
+        if (st != 0) report_values(st, i, a, x, x, r, incr, r, incr, name);
     });
 }
 
@@ -108,12 +114,13 @@ void loop_NU(int n, const E *a, int inca, int nu, E *r, int incr, const char *na
 template <class Routine, int A, class E, class R>
 void loop_CR(int n, const E *a, int inca, R *r, int incr, const char *name) {
     element_loop(n, [&](int i, std::ptrdiff_t k) {
+        const E x = a[k * inca];
         R y{};
-        int st = Routine::template eval<A>(a[k * inca], y);
+        int st = Routine::template eval<A>(x, y);
         r[k * incr] = y;
         if (st != 0) {
             E result(y, R(0));
-            report(st, i, a, inca, a, inca, &result, 0, &result, 0, name);
+            report_values(st, i, a, x, x, &result, 0, &result, 0, name);
             r[k * incr] = result.real();
         }
     });
@@ -124,12 +131,13 @@ void loop_CR(int n, const E *a, int inca, R *r, int incr, const char *name) {
 template <class Routine, int A, class R, class E>
 void loop_RC(int n, const R *a, int inca, E *r, int incr, const char *name) {
     element_loop(n, [&](int i, std::ptrdiff_t k) {
+        const R x = a[k * inca];
         E y{};
-        int st = Routine::template eval<A>(a[k * inca], y);
+        int st = Routine::template eval<A>(x, y);
         r[k * incr] = y;
         if (st != 0) {
             R real = y.real();
-            report(st, i, a, inca, a, inca, &real, 0, &real, 0, name);
+            report_values(st, i, a, x, x, &real, 0, &real, 0, name);
             r[k * incr] = E(real, y.imag());
         }
     });

@@ -136,12 +136,14 @@ struct VectorKernel {
         for (; i < n; i += L) vector_with_redo<true>(i, std::min(L, n - i), a, out, redo);
     }
 
-    static void report_contiguous(int st, int k, const T *a, Out out, const char *name) {
-        report(st, k, a, a, out.r[0], out.r[results - 1], name);
+    // A flagged element is reported with the argument it was computed from: an in-place call has
+    // already overwritten it in the caller's array.
+    static void report_contiguous(int st, int k, const T *a, T x, Out out, const char *name) {
+        report_values(st, k, a, x, x, out.r[0], 1, out.r[results - 1], 1, name);
     }
-    static void report_strided(int st, int k, const T *a, int inca, Out out, const int (&inc)[results],
+    static void report_strided(int st, int k, const T *a, T x, Out out, const int (&inc)[results],
                                const char *name) {
-        report(st, k, a, inca, a, inca, out.r[0], inc[0], out.r[results - 1], inc[results - 1], name);
+        report_values(st, k, a, x, x, out.r[0], inc[0], out.r[results - 1], inc[results - 1], name);
     }
 
     static void contiguous(int n, const T *a, Out out, const char *name) {
@@ -151,7 +153,7 @@ struct VectorKernel {
             T ys[results];
             int st = scalar(x, ys);
             for (int o = 0; o < results; ++o) out.r[o][k] = ys[o];
-            if (st != 0) report_contiguous(st, k, a, out, name);
+            if (st != 0) report_contiguous(st, k, a, x, out, name);
         });
     }
 
@@ -175,7 +177,7 @@ struct VectorKernel {
             });
             for (int o = 0; o < results; ++o)
                 for (int k = 0; k < m; ++k) out.r[o][static_cast<std::ptrdiff_t>(i0 + k) * inc[o]] = ys[o][k];
-            for (int f = 0; f < nf; ++f) report_strided(status[f], i0 + flagged[f], a, inca, out, inc, name);
+            for (int f = 0; f < nf; ++f) report_strided(status[f], i0 + flagged[f], a, xs[flagged[f]], out, inc, name);
         }
     }
 };
