@@ -122,7 +122,7 @@ private:
 
 template <class T>
 Slots run(const Caller<T> &caller, std::array<bool, 3> present, int results, bool two_args, const RefAny &ref,
-          const Spec &spec) {
+          const Sweep &sweep) {
     Runner<T> runner(caller, present, results, two_args, ref);
     std::vector<T> specials = special_values<T>();
     for (T x : specials) {
@@ -130,13 +130,13 @@ Slots run(const Caller<T> &caller, std::array<bool, 3> present, int results, boo
         else
             for (T y : specials) runner.add(x, y);
     }
-    for (const auto &s : spec.special) runner.add(static_cast<T>(s[0]), static_cast<T>(s[1]));
-    long long count = spec.samples > 0 ? spec.samples : sample_count(1 << 14);
-    for (std::size_t k = 0; k < spec.regions.size(); ++k) {
+    for (const auto &s : sweep.special) runner.add(static_cast<T>(s[0]), static_cast<T>(s[1]));
+    long long count = sweep.samples > 0 ? sweep.samples : sample_count(1 << 14);
+    for (std::size_t k = 0; k < sweep.regions.size(); ++k) {
         std::mt19937_64 rng(0x5EED0000u + k);
         for (long long i = 0; i < count; ++i) {
-            T x = static_cast<T>(draw(spec.regions[k].x, rng));
-            T y = static_cast<T>(draw(spec.regions[k].y, rng));
+            T x = static_cast<T>(draw(sweep.regions[k].x, rng));
+            T y = static_cast<T>(draw(sweep.regions[k].y, rng));
             runner.add(x, y);
         }
     }
@@ -181,42 +181,42 @@ double ulp_error(T computed, __float128 exact) {
 }
 
 template <class T>
-Slots measure(const Caller<T> &caller, const Ref2 &ref, const Spec &spec, bool two_args) {
+Slots measure(const Caller<T> &caller, const Ref2 &ref, const Sweep &sweep, bool two_args) {
     RefAny any = [&](__float128 x, __float128 y, __float128 &e1, __float128 &e2) { e1 = e2 = ref(x, y); };
-    return run<T>(caller, {true, true, true}, 1, two_args, any, spec);
+    return run<T>(caller, {true, true, true}, 1, two_args, any, sweep);
 }
 
 template <class T>
-Slots measure(const Caller<T> &caller, const RefPair &ref, const Spec &spec) {
+Slots measure(const Caller<T> &caller, const RefPair &ref, const Sweep &sweep) {
     RefAny any = [&](__float128 x, __float128, __float128 &e1, __float128 &e2) { ref(x, e1, e2); };
-    return run<T>(caller, {true, true, true}, 2, false, any, spec);
+    return run<T>(caller, {true, true, true}, 2, false, any, sweep);
 }
 
 template <class T>
-Slots measure_u(qon_pax_kernel_fn const (&table)[3], const Ref1 &ref, const Spec &spec) {
+Slots measure_u(qon_pax_kernel_fn const (&table)[3], const Ref1 &ref, const Sweep &sweep) {
     Caller<T> caller = [&](int s, int n, const T *x, const T *, T *r, T *) {
         reinterpret_cast<void (*)(int, const T *, T *)>(table[s])(n, x, r);
     };
     RefAny any = [&](__float128 x, __float128, __float128 &e1, __float128 &e2) { e1 = e2 = ref(x); };
-    return run<T>(caller, presence(table), 1, false, any, spec);
+    return run<T>(caller, presence(table), 1, false, any, sweep);
 }
 
 template <class T>
-Slots measure_b(qon_pax_kernel_fn const (&table)[3], const Ref2 &ref, const Spec &spec) {
+Slots measure_b(qon_pax_kernel_fn const (&table)[3], const Ref2 &ref, const Sweep &sweep) {
     Caller<T> caller = [&](int s, int n, const T *x, const T *y, T *r, T *) {
         reinterpret_cast<void (*)(int, const T *, const T *, T *)>(table[s])(n, x, y, r);
     };
     RefAny any = [&](__float128 x, __float128 y, __float128 &e1, __float128 &e2) { e1 = e2 = ref(x, y); };
-    return run<T>(caller, presence(table), 1, true, any, spec);
+    return run<T>(caller, presence(table), 1, true, any, sweep);
 }
 
 template <class T>
-Slots measure_u2(qon_pax_kernel_fn const (&table)[3], const RefPair &ref, const Spec &spec) {
+Slots measure_u2(qon_pax_kernel_fn const (&table)[3], const RefPair &ref, const Sweep &sweep) {
     Caller<T> caller = [&](int s, int n, const T *x, const T *, T *r1, T *r2) {
         reinterpret_cast<void (*)(int, const T *, T *, T *)>(table[s])(n, x, r1, r2);
     };
     RefAny any = [&](__float128 x, __float128, __float128 &e1, __float128 &e2) { ref(x, e1, e2); };
-    return run<T>(caller, presence(table), 2, false, any, spec);
+    return run<T>(caller, presence(table), 2, false, any, sweep);
 }
 
 template <class T>
@@ -239,11 +239,11 @@ void expect_accuracy(const char *name, const Slots &slots, Bounds bounds) {
 #define QON_ACCURACY_INSTANTIATE(T)                                                                   \
     template Bounds standard_bounds<T>();                                                             \
     template double ulp_error<T>(T, __float128);                                                      \
-    template Slots measure<T>(const Caller<T> &, const Ref2 &, const Spec &, bool);                   \
-    template Slots measure<T>(const Caller<T> &, const RefPair &, const Spec &);                      \
-    template Slots measure_u<T>(qon_pax_kernel_fn const (&)[3], const Ref1 &, const Spec &);          \
-    template Slots measure_b<T>(qon_pax_kernel_fn const (&)[3], const Ref2 &, const Spec &);          \
-    template Slots measure_u2<T>(qon_pax_kernel_fn const (&)[3], const RefPair &, const Spec &);      \
+    template Slots measure<T>(const Caller<T> &, const Ref2 &, const Sweep &, bool);                   \
+    template Slots measure<T>(const Caller<T> &, const RefPair &, const Sweep &);                      \
+    template Slots measure_u<T>(qon_pax_kernel_fn const (&)[3], const Ref1 &, const Sweep &);          \
+    template Slots measure_b<T>(qon_pax_kernel_fn const (&)[3], const Ref2 &, const Sweep &);          \
+    template Slots measure_u2<T>(qon_pax_kernel_fn const (&)[3], const RefPair &, const Sweep &);      \
     template void expect_accuracy<T>(const char *, const Slots &, Bounds);
 QON_ACCURACY_INSTANTIATE(float)
 QON_ACCURACY_INSTANTIATE(double)

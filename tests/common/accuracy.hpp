@@ -20,11 +20,11 @@
 // API (T is float or double):
 //   uniform(lo, hi), log_uniform(lo, hi), log_both_signs(lo, hi)       ranges (0 < lo for log)
 //   Region{x} / Region{x, y}                                            one region of arguments
-//   Spec{regions, extra special arguments {x, y}, samples per region (0: default)}
-//   measure_u<T>(table, Ref1, spec)        one argument, one result   (n, a, r)
-//   measure_b<T>(table, Ref2, spec)        two arguments, one result  (n, a, b, r)
-//   measure_u2<T>(table, RefPair, spec)    one argument, two results  (n, a, r1, r2)
-//   measure<T>(Caller, Ref2 or RefPair, spec, two_args)   any other argument list (Powx,
+//   Sweep{regions, extra special arguments {x, y}, samples per region (0: default)}
+//   measure_u<T>(table, Ref1, sweep)        one argument, one result   (n, a, r)
+//   measure_b<T>(table, Ref2, sweep)        two arguments, one result  (n, a, b, r)
+//   measure_u2<T>(table, RefPair, sweep)    one argument, two results  (n, a, r1, r2)
+//   measure<T>(Caller, Ref2 or RefPair, sweep, two_args)   any other argument list (Powx,
 //                                          LinearFrac...): the caller evaluates slot s on n
 //                                          arguments x[i], y[i] into r1 (and r2)
 //   expect_accuracy<T>(name, slots [, bounds])   gtest: no mismatch, each slot within its bound
@@ -61,7 +61,7 @@ struct Region {
     Range x, y;
 };
 
-struct Spec {
+struct Sweep {
     std::vector<Region> regions;
     std::vector<std::array<double, 2>> special;  // extra arguments {x, y} (y unused for one argument)
     long long samples = 0;                       // per region; 0 takes sample_count(1 << 14)
@@ -94,15 +94,15 @@ template <class T>
 double ulp_error(T computed, __float128 exact);
 
 template <class T>
-Slots measure_u(qon_pax_kernel_fn const (&table)[3], const Ref1 &ref, const Spec &spec);
+Slots measure_u(qon_pax_kernel_fn const (&table)[3], const Ref1 &ref, const Sweep &sweep);
 template <class T>
-Slots measure_b(qon_pax_kernel_fn const (&table)[3], const Ref2 &ref, const Spec &spec);
+Slots measure_b(qon_pax_kernel_fn const (&table)[3], const Ref2 &ref, const Sweep &sweep);
 template <class T>
-Slots measure_u2(qon_pax_kernel_fn const (&table)[3], const RefPair &ref, const Spec &spec);
+Slots measure_u2(qon_pax_kernel_fn const (&table)[3], const RefPair &ref, const Sweep &sweep);
 template <class T>
-Slots measure(const Caller<T> &caller, const Ref2 &ref, const Spec &spec, bool two_args);
+Slots measure(const Caller<T> &caller, const Ref2 &ref, const Sweep &sweep, bool two_args);
 template <class T>
-Slots measure(const Caller<T> &caller, const RefPair &ref, const Spec &spec);
+Slots measure(const Caller<T> &caller, const RefPair &ref, const Sweep &sweep);
 
 template <class T>
 void expect_accuracy(const char *name, const Slots &slots, Bounds bounds = standard_bounds<T>());

@@ -187,7 +187,7 @@ constexpr acc::Bounds exact_bounds{0, 0, 0};
 constexpr long long default_samples = 4096;
 
 template <class T>
-acc::Spec spec_of(const Regions &regions, std::vector<std::array<double, 2>> special = {}) {
+acc::Sweep spec_of(const Regions &regions, std::vector<std::array<double, 2>> special = {}) {
     return {regions(lim<T>()), std::move(special), acc::sample_count(default_samples)};
 }
 

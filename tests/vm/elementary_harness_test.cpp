@@ -40,8 +40,8 @@ TEST(AccuracyHarness, UlpMeasureOnKnownErrors) {
 }
 
 TEST(AccuracyHarness, CorrectlyRoundedKernelMeasuresWithinHalfUlp) {
-    acc::Spec spec{{acc::log_both_signs(1e-150, 1e150), acc::uniform(-4, 4)}, {{3.0, 0}}, 4096};
-    auto slots = acc::measure_u<double>(qon_pax_kernel_dSqr_ttab, [](__float128 x) { return x * x; }, spec);
+    acc::Sweep sweep{{acc::log_both_signs(1e-150, 1e150), acc::uniform(-4, 4)}, {{3.0, 0}}, 4096};
+    auto slots = acc::measure_u<double>(qon_pax_kernel_dSqr_ttab, [](__float128 x) { return x * x; }, sweep);
     for (const auto &s : slots) {
         EXPECT_LE(s.max_ulp, 0.5);
         EXPECT_GT(s.max_ulp, 0.25);  // random squares are rarely exact
@@ -61,8 +61,8 @@ TEST(AccuracyHarness, CallerErrorsAreFoundPerSlot) {
             r[i] = slot == 2 && x[i] == 3.0f ? NAN : v;
         }
     };
-    acc::Spec spec{{acc::uniform(1, 1.4)}, {{3.0, 0}}, 2048};
-    auto slots = acc::measure<float>(caller, [](__float128 x, __float128) { return x * x; }, spec, false);
+    acc::Sweep sweep{{acc::uniform(1, 1.4)}, {{3.0, 0}}, 2048};
+    auto slots = acc::measure<float>(caller, [](__float128 x, __float128) { return x * x; }, sweep, false);
     EXPECT_LE(slots[0].max_ulp, 0.5);
     EXPECT_GT(slots[1].max_ulp, 1.5);
     EXPECT_LE(slots[1].max_ulp, 2.5);

@@ -77,17 +77,17 @@ TEST(ExpTables, PublishedPairForOneSixtyFourth) {
 
 // ---- accuracy -------------------------------------------------------------------------------
 
-acc::Spec double_spec() {
-    acc::Spec spec;
-    spec.regions = {acc::uniform(-745, 710),        acc::uniform(-5, 5),
+acc::Sweep double_spec() {
+    acc::Sweep sweep;
+    sweep.regions = {acc::uniform(-745, 710),        acc::uniform(-5, 5),
                     acc::log_both_signs(1e-20, 1),  acc::uniform(708.3, 708.5),
                     acc::uniform(-708.5, -708.3),   acc::uniform(709.7, 709.8),
                     acc::uniform(-745.2, -744.9),   acc::uniform(-730, -708)};
     for (double x : {708.3959960937499, 708.39599609375, -708.3959960937499, -708.3964185322641,
                      -708.39641853226408, 709.782712893384, 709.78271289338397, -745.1332191019411,
                      -745.13321910194122, 0x1p-53, -0x1p-53, 0x1p-52, 1e-300})
-        spec.special.push_back({x, x});
-    return spec;
+        sweep.special.push_back({x, x});
+    return sweep;
 }
 
 TEST(ExpAccuracy, DoubleSlotsWithinTheirBounds) {
@@ -98,11 +98,11 @@ TEST(ExpAccuracy, DoubleSlotsWithinTheirBounds) {
 }
 
 TEST(ExpAccuracy, SingleSlotsWithinTheirBounds) {
-    acc::Spec spec;
-    spec.regions = {acc::uniform(-104, 89), acc::uniform(-3, 3), acc::log_both_signs(1e-10f, 1),
+    acc::Sweep sweep;
+    sweep.regions = {acc::uniform(-104, 89), acc::uniform(-3, 3), acc::log_both_signs(1e-10f, 1),
                     acc::uniform(-88, -86), acc::uniform(86, 89), acc::uniform(-104, -103)};
     const acc::Slots slots =
-        acc::measure_u<float>(qon_pax_kernel_sExp_ttab, [](__float128 x) { return expq(x); }, spec);
+        acc::measure_u<float>(qon_pax_kernel_sExp_ttab, [](__float128 x) { return expq(x); }, sweep);
     acc::expect_accuracy<float>("sExp", slots);
 }
 

@@ -36,8 +36,8 @@ std::string full_name(const char *name) {
 }
 
 template <class T>
-void expect_u(const char *name, Table table, const acc::Ref1 &ref, const acc::Spec &spec) {
-    acc::expect_accuracy<T>(full_name<T>(name).c_str(), acc::measure_u<T>(table, ref, spec));
+void expect_u(const char *name, Table table, const acc::Ref1 &ref, const acc::Sweep &sweep) {
+    acc::expect_accuracy<T>(full_name<T>(name).c_str(), acc::measure_u<T>(table, ref, sweep));
 }
 
 // Error in ulps of max(|exact|, floor(x)) within the slot bounds.
@@ -93,15 +93,15 @@ template <class T>
 void check_InverseErrorFunctions() {
     using L = std::numeric_limits<T>;
     T below_one = std::nextafter(T(1), T(0));
-    acc::Spec erfinv{{acc::uniform(-1, 1), acc::log_both_signs(tiny<T>, 1), acc::uniform(0.99999, 1)},
+    acc::Sweep erfinv{{acc::uniform(-1, 1), acc::log_both_signs(tiny<T>, 1), acc::uniform(0.99999, 1)},
                      {{below_one, 0}, {-below_one, 0}, {1 - L::epsilon() * 8, 0}},
                      count(1024)};
     expect_u<T>("ErfInv", TABLE(ErfInv), sp::erfinv_q, erfinv);
-    acc::Spec erfcinv{{acc::uniform(0, 2), acc::log_uniform(tiny<T>, 2), acc::uniform(1.99999, 2)},
+    acc::Sweep erfcinv{{acc::uniform(0, 2), acc::log_uniform(tiny<T>, 2), acc::uniform(1.99999, 2)},
                       {{std::nextafter(T(2), T(0)), 0}, {T(1) + L::epsilon(), 0}},
                       count(1024)};
     expect_u<T>("ErfcInv", TABLE(ErfcInv), sp::erfcinv_q, erfcinv);
-    acc::Spec cdfnorminv{{acc::uniform(0, 1), acc::log_uniform(tiny<T>, 1), acc::uniform(0.99999, 1)},
+    acc::Sweep cdfnorminv{{acc::uniform(0, 1), acc::log_uniform(tiny<T>, 1), acc::uniform(0.99999, 1)},
                          {{below_one, 0}, {0.5, 0}},
                          count(1024)};
     auto cdfnorminv_q = [](Q p) {
@@ -185,8 +185,8 @@ void check_BesselIntegerOrders() {
             return isinfq(x) ? (nu % 2 != 0 && (x < 0) != (nu < 0) ? -Q(0) : Q(0)) : jnq(nu, x);
         };
         auto yref = [nu](Q x, Q) { return x < 0 ? nanq("") : isinfq(x) ? Q(0) : ynq(nu, x); };
-        acc::Spec below{{acc::log_both_signs(tiny<T>, 0.9 * n), acc::uniform(-0.9 * n, 0.9 * n)}, {}, count(4096)};
-        acc::Spec below_positive{{acc::log_uniform(tiny<T>, 0.9 * n), acc::uniform(0, 0.9 * n)}, {}, count(1024)};
+        acc::Sweep below{{acc::log_both_signs(tiny<T>, 0.9 * n), acc::uniform(-0.9 * n, 0.9 * n)}, {}, count(4096)};
+        acc::Sweep below_positive{{acc::log_uniform(tiny<T>, 0.9 * n), acc::uniform(0, 0.9 * n)}, {}, count(1024)};
         acc::expect_accuracy<T>(jname.c_str(), acc::measure<T>(sp::caller_nu<T>(TABLE(Jn), nu), jref, below, false));
         acc::expect_accuracy<T>(yname.c_str(),
                                 acc::measure<T>(sp::caller_nu<T>(TABLE(Yn), nu), yref, below_positive, false));
