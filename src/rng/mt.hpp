@@ -81,8 +81,15 @@ struct Family {
         st->index = N;
     }
 
+    // The generator keeps index in [0, N]; any other value can only come from a corrupted
+    // image and is read as an exhausted block.
+    static void check_index(State *st) {
+        if (st->index < 0 || st->index > N) st->index = N;
+    }
+
     static void raw(RokStream *stream, int32_t n, uint32_t *out) {
         State *st = rok_state<State>(stream);
+        check_index(st);
         const uint32_t a = P::twist_word(st);
         while (n > 0) {
             if (st->index >= N) {
@@ -114,6 +121,7 @@ struct Family {
         case ROK_INIT_LEAPFROG:
             return ROK_ERROR_NO_LEAPFROG;
         case ROK_INIT_SKIPAHEAD:
+            check_index(st);
             return P::skip(st, params);
         case ROK_INIT_SKIPAHEAD_EX:
             return ROK_ERROR_NO_SKIPAHEADEX;
