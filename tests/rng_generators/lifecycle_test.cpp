@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 using namespace gentest;
 
@@ -85,6 +86,28 @@ TEST_P(Generators, UniformsOnTheInterval) {
     ASSERT_EQ(p.s_brng(s.get(), 33, samef.data(), 0.25f, 0.25f), ROK_STATUS_OK);
     for (double v : same) EXPECT_EQ(v, 0.25);
     for (float v : samef) EXPECT_EQ(v, 0.25f);
+}
+
+// A loader accepts any state bytes under a valid header; positions and counts that the
+// generator itself never produces must still draw and skip inside the state.
+TEST_P(Generators, CorruptedStateStillDrawsInBounds) {
+    auto s = make_stream(GetParam().brng, GetParam().seed);
+    const auto good = image(s);
+    uint32_t state_size;
+    std::memcpy(&state_size, good.data() + 12, sizeof state_size);
+    ASSERT_LE(24 + size_t{state_size}, good.size());
+    for (const unsigned char fill : {0xFFu, 0x80u, 0x7Fu, 0x55u}) {
+        auto img = good;
+        std::memset(img.data() + 24, fill, state_size);
+        RokStream *raw = nullptr;
+        ASSERT_EQ(rokLoadStreamM(&raw, img.data()), ROK_STATUS_OK) << int{fill};
+        StreamPtr loaded(raw);
+        EXPECT_EQ(words(loaded, 1500).size(), 1500u);
+        const uint64_t count = 12345;
+        const int32_t st = rokSkipAheadStream(loaded.get(), count);
+        EXPECT_TRUE(st == ROK_STATUS_OK || st == ROK_ERROR_NO_SKIPAHEAD) << st;
+        EXPECT_EQ(words(loaded, 7).size(), 7u);
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(All, Generators, ::testing::ValuesIn(kCases),
