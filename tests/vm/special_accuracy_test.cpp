@@ -7,8 +7,10 @@
 #include <qon/qon_pax.h>
 #include <quadmath.h>
 
+#include <cmath>
 #include <limits>
 #include <string>
+#include <vector>
 
 #include "common/accuracy.hpp"
 #include "vm/special_reference.hpp"
@@ -97,6 +99,18 @@ void check_InverseErrorFunctions() {
                      {{below_one, 0}, {-below_one, 0}, {1 - L::epsilon() * 8, 0}},
                      count(1024)};
     expect_u<T>("ErfInv", TABLE(ErfInv), sp::erfinv_q, erfinv);
+    // Near +-1: the argument is sign(d) (1 - |d|) for d log-uniform in [2^-53, 1/2] (rounded to
+    // T the same way for the kernel and the reference).
+    auto near_one = [](double d) { return std::copysign(T(1) - T(std::fabs(d)), T(d)); };
+    acc::Caller<T> erfinv_near_one = [&](int s, int n, const T *d, const T *, T *r, T *) {
+        std::vector<T> a(static_cast<std::size_t>(n));
+        for (int i = 0; i < n; ++i) a[static_cast<std::size_t>(i)] = near_one(static_cast<double>(d[i]));
+        reinterpret_cast<void (*)(int, const T *, T *)>(TABLE(ErfInv)[s])(n, a.data(), r);
+    };
+    acc::expect_accuracy<T>(full_name<T>("ErfInv near 1").c_str(),
+                            acc::measure<T>(
+                                erfinv_near_one, [&](Q d, Q) { return sp::erfinv_q(near_one(static_cast<double>(d))); },
+                                {{acc::log_both_signs(0x1p-53, 0.5)}, {}, count(1024)}, false));
     acc::Sweep erfcinv{{acc::uniform(0, 2), acc::log_uniform(tiny<T>, 2), acc::uniform(1.99999, 2)},
                       {{std::nextafter(T(2), T(0)), 0}, {T(1) + L::epsilon(), 0}},
                       count(1024)};
