@@ -1,61 +1,157 @@
 // Ln: natural logarithm, double and single precision.
 //
-// Method: x = 2^k * m with m in [sqrt(2)/2, sqrt(2)), k and m taken from the bits (k as an
-// exact double through the 2^52 shifter); f = m - 1 is exact; with s = f/(2 + f),
-// ln(1 + f) = 2 atanh(s) = f - (hfsq - s*(hfsq + R)), hfsq = f^2/2, R(z) = sum_j 2 z^j/(2j + 1)
-// over z = s^2 <= 0.02944 (Taylor coefficients, no fit). The result is
-// k*L1 + (f - (hfsq - (s*(hfsq + R) + k*L2))), L1 + L2 = ln 2 with k*L1 exact. Terms of R:
-//   double HA 10 (truncation 2^-60 relative), LA 9 (2^-55), EP 4 (2^-28); the rounding of
-//   f - hfsq and of the small terms dominate: measured max error (2e6 arguments) HA 0.82 ulp,
-//   LA 0.95 ulp, EP 1.3e7 ulp (2^-28.4 relative, 28 correct bits).
-//   single: the same in double lanes, rounded once to float; HA 5 terms (2^-34: measured
-//   0.501 ulp), LA 3 (2^-23.5: measured 1.48 ulp), EP 2 (2^-18: measured 43 ulp, 18 bits).
-// Lanes outside [smallest normal, largest finite] (double), outside (0, largest finite] (single;
-// float subnormals are normal in double) and NaN go to the scalar routine: ln(+-0) = -inf is a
-// singularity (2), x < 0 and -inf a domain error (1, NaN), ln(+inf) = +inf and NaN give
-// themselves unreported, a double subnormal is scaled by 2^54 and computed as above with
-// k - 54 (HA terms).
+// Method: x = 2^k z with z in [OFF, 2 OFF), OFF ~ 0.7 (k and z from the bits); the mantissa bits
+// of z just past the offset pick one of N intervals and its short factor c_j ~ 1/z (c = 1 on
+// the interval of 1), read from ln_tables.hpp with register permutes (no gather, no division);
+// r = z c_j - 1 is exact (one fused multiply-subtract: c_j has at most 7 bits and
+// |r| < 2^(1 - bits of c_j)), and ln x = k ln2 - ln c_j + log1p(r) with the Taylor series of
+// log1p (no fit) truncated after r^n:
+//   double HA  N = 8 (|r| <= 0.0625, <= 1/24 on the interval of 1), n = 14: truncation below
+//              2^-63 absolute where |ln x| >= 0.04 and 2^-64 relative near 1. K = k L1 + logc_hi
+//              is exact (both multiples of 2^-42), K + r is split exactly (Fast2Sum: the exponent
+//              of logc_hi is at least that of r), and k L2 + logc_lo + the low part + r^2 q(r)
+//              is added last: the final rounding dominates. Measured 0.533 ulp.
+//   double LA  the same with n = 13 and K + r rounded (no low part): measured 1.5 ulp.
+//   double EP  N = 4 (|r| <= 0.12, <= 1/12 near 1), n = 9, K = k ln2 + RN(-ln c_j) in one fused
+//              multiply-add and ln x = r P(r) + K: truncation 2^-31 relative; measured
+//              4.92e6 ulp (2^-29.8 relative, 29 correct bits).
+//   single HA  N = 8 in float lanes, n = 7 (truncation 2^-36 absolute where |ln x| >= 0.04), the
+//              HA scheme with L1 and logc_hi multiples of 2^-16 (k L1 + logc_hi exact for
+//              |k| <= 150): measured 0.538 ulp.
+//   single LA, EP  N = 8, n = 6 and 3, K = k ln2 + RN_float(-ln c_j), r P(r) + K: measured
+//              1.53 ulp and 691 ulp (2^-14.4 relative, 14 correct bits).
+// Lanes outside [smallest normal, largest finite] of their type and NaN go to the scalar routine:
+// ln(+-0) = -inf is a singularity (2), x < 0 and -inf a domain error (1, NaN), ln(+inf) = +inf
+// and NaN give themselves unreported; a double subnormal is scaled by 2^54 and computed by the
+// double HA method with k - 54, a float in double and rounded once.
 #include <cmath>
 #include <cstdint>
 #include <limits>
 
+#include "vm/kernels/ln_tables.hpp"
 #include "vm/kernels/vector_driver.hpp"
 
 namespace {
 
 using namespace qon::simd;
+namespace tab = qon::vm::ln_tables;
 
-constexpr std::uint64_t root_half = 0x3FE6A09E667F3BCD;  // sqrt(2)/2
-constexpr std::uint64_t one_bits = 0x3FF0000000000000;
-constexpr std::uint64_t shifter_bits = 0x4330000000000000;  // 2^52
-constexpr std::uint64_t ln2_hi = 0x3FE62E42FEE00000;        // ln 2 high (32 bits): k*L1 exact
-constexpr std::uint64_t ln2_lo = 0x3DEA39EF35793C76;        // ln 2 - L1
+enum class Precision { HA, LA, EP };
+
+// Bit patterns of an element type: 1.0 and the shifter that turns a biased exponent into a
+// float (2^52, 2^23), and ln 2 rounded.
+template <class T>
+struct Format;
+template <>
+struct Format<double> {
+    static constexpr std::uint64_t one = 0x3FF0000000000000;
+    static constexpr std::uint64_t shifter = 0x4330000000000000;  // 2^52
+    static constexpr int mantissa = 52;
+    static constexpr double bias = 4503599627370496.0 + 1023.0;
+    static constexpr std::uint64_t ln2 = 0x3FE62E42FEFA39EF;     // 0.6931471805599453
+    static constexpr std::uint64_t ln2_hi = 0x3FE62E42FEFA3800;  // L1: ln 2 rounded to a multiple of 2^-42
+    static constexpr std::uint64_t ln2_lo = 0x3D2EF35793C76730;  // L2: RN(ln 2 - L1)
+};
+template <>
+struct Format<float> {
+    static constexpr std::uint32_t one = 0x3F800000;
+    static constexpr std::uint32_t shifter = 0x4B000000;  // 2^23
+    static constexpr int mantissa = 23;
+    static constexpr float bias = 8388608.0f + 127.0f;
+    static constexpr std::uint32_t ln2 = 0x3F317218;     // 0.693147182
+    static constexpr std::uint32_t ln2_hi = 0x3F317200;  // L1: ln 2 rounded to a multiple of 2^-16
+    static constexpr std::uint32_t ln2_lo = 0x35BFBE8E;  // L2: RN(ln 2 - L1)
+};
 constexpr double two_54 = 18014398509481984.0;
 
-// R(z)/z = 2/3 + 2z/5 + ... + 2z^(N-1)/(2N + 1), by Horner's scheme from the highest term.
-template <int N, class V, int j = 1>
-V series_poly(V z) {
-    constexpr double c = 2.0 / (2 * j + 1);
-    if constexpr (j == N) return splat<V>(c);
-    else return mul_add(series_poly<N, V, j + 1>(z), z, splat<V>(c));
+// The table sets (ln_tables.hpp): the bits of the interval number, the offset OFF of the z
+// range (the same point in double and float), c_j.
+// Set8 also gives -ln c_j as hi + lo (hi a multiple of 2^-42 in double, 2^-16 in float, so that
+// k L1 + hi is exact).
+template <class T>
+struct Set8;
+template <>
+struct Set8<double> {
+    static constexpr int bits = 3;
+    static constexpr std::uint64_t offset = 0x3FE6AAAAA0000000;  // 0.70833331346511841
+    static constexpr const double *c = tab::c8, *logc_hi = tab::logc8_hi, *logc_lo = tab::logc8_lo;
+};
+template <>
+struct Set8<float> {
+    static constexpr int bits = 3;
+    static constexpr std::uint32_t offset = 0x3F355555;  // the same point
+    static constexpr const float *c = tab::c8_f, *logc_hi = tab::logc8_hi_f, *logc_lo = tab::logc8_lo_f;
+};
+struct Set4 {
+    static constexpr int bits = 2;
+    static constexpr std::uint64_t offset = 0x3FE5555540000000;  // 0.66666662693023682
+    static constexpr const double *c = tab::c4;
+};
+
+// sum over i = first..n of (-1)^(i+1) r^(i-first)/i by Horner's scheme from the highest term:
+// log1p(r)/r for first = 1, (log1p(r) - r)/r^2 for first = 2 (Taylor coefficients).
+template <int first, int n, class V>
+V log1p_series(V r) {
+    constexpr double c = (first % 2 == 0 ? -1.0 : 1.0) / first;
+    if constexpr (first == n) return splat<V>(static_cast<Elem<V>>(c));
+    else return mul_add(log1p_series<first + 1, n>(r), r, splat<V>(static_cast<Elem<V>>(c)));
 }
 
-// ln x for positive normal double x (lanes of V), k lowered by `shift`.
-template <int N, class V>
-V log_core(V x, double shift = 0) {
+// The reduction of a positive normal x: k (lowered by shift), r = z*c_j - 1 and the interval j
+// (in the low bits of each lane; the bits above are ignored by the lookups).
+template <class V>
+struct Reduced {
+    V k, r;
+    Ints<V> j;
+};
+template <class Set, class V>
+[[gnu::always_inline]] inline Reduced<V> reduce(V x, Elem<V> shift) {
+    using F = Format<Elem<V>>;
+    constexpr int m = F::mantissa;
     const auto ix = bits(x);
-    const auto e = shr<52>(ix + splat_q<V>(one_bits - root_half));  // biased exponent k + 1023
-    const V m = from_bits(ix - shl<52>(e) + splat_q<V>(one_bits));
-    V k = from_bits(e + splat_q<V>(shifter_bits)) - splat<V>(4503599627370496.0 + 1023.0);
+    V k, z;
+    Ints<V> t;
+    if constexpr (std::is_same_v<Elem<V>, float>) {
+        t = ix - splat_q<V>(Set::offset);  // k in the exponent field, as a signed integer
+        const auto ki = sra<m>(t);
+        z = from_bits(ix - shl<m>(ki));
+        k = int_to_float(ki);
+    } else {
+        t = ix + splat_q<V>(F::one - Set::offset);  // k + 1023 in the exponent field
+        const auto e = shr<m>(t);
+        z = from_bits(ix - shl<m>(e) + splat_q<V>(F::one));
+        k = from_bits(e + splat_q<V>(F::shifter)) - splat<V>(F::bias);
+    }
     if (shift != 0) k = k - splat<V>(shift);
-    const V one = splat<V>(1.0);
-    const V f = m - one;
-    const V s = f / (f + splat<V>(2.0));
-    const V z = s * s;
-    const V R = z * series_poly<N>(z);
-    const V hfsq = splat<V>(0.5) * f * f;
-    const V tail = mul_add(k, constant<V>(ln2_lo), s * (hfsq + R));
-    return mul_add(k, constant<V>(ln2_hi), f - (hfsq - tail));
+    const auto j = shr<m - Set::bits>(t);
+    const V r = mul_sub(z, permute_table<(1 << Set::bits)>(Set::c, j), splat<V>(1));
+    return {k, r, j};
+}
+
+// ln x for positive normal x (lanes of V), k lowered by `shift`. Inlined into the kernels' loops
+// (a call would pass the vectors through memory).
+template <Precision P, class V>
+[[gnu::always_inline]] inline V log_core(V x, Elem<V> shift = 0) {
+    using T = Elem<V>;
+    constexpr bool single = std::is_same_v<T, float>;
+    if constexpr (P == Precision::EP && !single) {
+        const auto [k, r, j] = reduce<Set4>(x, shift);
+        const V K = mul_add(k, constant<V>(Format<double>::ln2), permute_table<4>(tab::logc4, j));
+        return mul_add(r, log1p_series<1, 9>(r), K);
+    } else if constexpr (P != Precision::HA && single) {
+        const auto [k, r, j] = reduce<Set8<T>>(x, shift);
+        const V K = mul_add(k, constant<V>(Format<float>::ln2), permute_table<8>(tab::logc8_f, j));
+        return mul_add(r, log1p_series<1, P == Precision::LA ? 6 : 3>(r), K);
+    } else {
+        // K = k L1 + logc_hi is exact; in HA K + r is split exactly (Fast2Sum).
+        const auto [k, r, j] = reduce<Set8<T>>(x, shift);
+        constexpr int n = single ? 7 : P == Precision::HA ? 14 : 13;
+        const V K = mul_add(k, constant<V>(Format<T>::ln2_hi), permute_table<8>(Set8<T>::logc_hi, j));
+        const V hi = K + r;
+        V small = mul_add(k, constant<V>(Format<T>::ln2_lo), permute_table<8>(Set8<T>::logc_lo, j));
+        if constexpr (P == Precision::HA) small = small + ((K - hi) + r);
+        return hi + mul_add(r * r, log1p_series<2, n>(r), small);
+    }
 }
 
 int log_scalar(double x, double &r) {
@@ -72,39 +168,39 @@ int log_scalar(double x, double &r) {
         return PAX_STATUS_SING;
     }
     if (std::isinf(x)) r = x;
-    else if (x < std::numeric_limits<double>::min()) r = log_core<10>(x * two_54, 54);
-    else r = log_core<10>(x);
+    else if (x < std::numeric_limits<double>::min()) r = log_core<Precision::HA>(x * two_54, 54.0);
+    else r = log_core<Precision::HA>(x);
     return PAX_STATUS_OK;
 }
 
-template <int N>
+// Lanes outside [smallest normal, largest finite] and NaN.
+template <class V>
+Mask<V> outside_normal(V x) {
+    using L = std::numeric_limits<Elem<V>>;
+    return mask_or(lt(x, splat<V>(L::min())), gt_or_nan(x, splat<V>(L::max())));
+}
+
+template <Precision P>
 struct LnDouble {
     using T = double;
     static constexpr int groups = 2;
 
     template <class V>
-    static V eval(V x) { return log_core<N>(x); }
+    static V eval(V x) { return log_core<P>(x); }
     template <bool tail, class V>
-    static Mask<V> special(V x) {
-        return mask_or(lt(x, splat<V>(std::numeric_limits<double>::min())),
-                       gt_or_nan(x, splat<V>(std::numeric_limits<double>::max())));
-    }
+    static Mask<V> special(V x) { return outside_normal(x); }
     static int scalar(double x, double &r) { return log_scalar(x, r); }
 };
 
-template <int N>
+template <Precision P>
 struct LnFloat {
     using T = float;
-    static constexpr int groups = 1;
+    static constexpr int groups = 2;
 
     template <class V>
-    static V eval(V x) {
-        return in_double(x, [](auto d) { return log_core<N>(d); });
-    }
+    static V eval(V x) { return log_core<P>(x); }
     template <bool tail, class V>
-    static Mask<V> special(V x) {
-        return mask_or(le(x, splat<V>(0.0f)), gt_or_nan(x, splat<V>(std::numeric_limits<float>::max())));
-    }
+    static Mask<V> special(V x) { return outside_normal(x); }
     static int scalar(float x, float &r) {
         double wide;
         const int st = log_scalar(x, wide);
@@ -115,5 +211,5 @@ struct LnFloat {
 
 }  // namespace
 
-QON_VM_VECTOR_KERNELS(d, Ln, double, LnDouble<9>, LnDouble<10>, LnDouble<4>)
-QON_VM_VECTOR_KERNELS(s, Ln, float, LnFloat<3>, LnFloat<5>, LnFloat<2>)
+QON_VM_VECTOR_KERNELS(d, Ln, double, LnDouble<Precision::LA>, LnDouble<Precision::HA>, LnDouble<Precision::EP>)
+QON_VM_VECTOR_KERNELS(s, Ln, float, LnFloat<Precision::LA>, LnFloat<Precision::HA>, LnFloat<Precision::EP>)

@@ -371,3 +371,56 @@ inline float in_double(float x, F f) {
 }
 
 }  // namespace qon::simd
+
+// ---- small tables through permutes -------------------------------------------------------------
+
+namespace qon::simd {
+
+// Lane i reads table[j[i] mod N] for a table of N entries (double: 4, 8 or 16; float: 8 or 16)
+// held in registers: one cross-lane permute per 32 bytes of table and a blend per doubling of
+// the entry count, far cheaper than a gather. Only the low log2(N) bits of each lane of j are
+// used. The table must be 32-byte aligned.
+template <int N>
+inline VD permute_table(const double *table, QD j) {
+    static_assert(N == 4 || N == 8 || N == 16);
+    // Selectors of the two 32-bit halves of entry j mod 4: 2j and 2j + 1 (mod 8), from the low
+    // 32 bits of j copied into both halves and doubled.
+    const __m256i d = _mm256_or_si256(_mm256_slli_epi32(_mm256_shuffle_epi32(j.v, 0xA0), 1),
+                                      _mm256_set1_epi64x(std::int64_t{1} << 32));
+    auto part = [&](int k) {
+        return _mm256_castps_pd(_mm256_permutevar8x32_ps(_mm256_castpd_ps(_mm256_load_pd(table + 4 * k)), d));
+    };
+    if constexpr (N == 4) return {part(0)};
+    else {
+        const __m256d bit2 = _mm256_castsi256_pd(_mm256_slli_epi64(j.v, 61));
+        const __m256d low = _mm256_blendv_pd(part(0), part(1), bit2);
+        if constexpr (N == 8) return {low};
+        else {
+            const __m256d high = _mm256_blendv_pd(part(2), part(3), bit2);
+            return {_mm256_blendv_pd(low, high, _mm256_castsi256_pd(_mm256_slli_epi64(j.v, 60)))};
+        }
+    }
+}
+template <int N>
+inline VF permute_table(const float *table, QF j) {
+    static_assert(N == 8 || N == 16);
+    const __m256 low = _mm256_permutevar8x32_ps(_mm256_load_ps(table), j.v);
+    if constexpr (N == 8) return {low};
+    else return {_mm256_blendv_ps(low, _mm256_permutevar8x32_ps(_mm256_load_ps(table + 8), j.v),
+                                  _mm256_castsi256_ps(_mm256_slli_epi32(j.v, 28)))};
+}
+template <int N, class T, class U>
+inline T permute_table(const T *table, U j) requires std::is_unsigned_v<U> {
+    return table[j % N];
+}
+
+// 32-bit lanes only (AVX2 has no 64-bit forms): arithmetic shift right of the lanes read as
+// signed, and the signed lanes converted to float.
+template <int k>
+inline QF sra(QF a) { return {_mm256_srai_epi32(a.v, k)}; }
+template <int k>
+inline std::uint32_t sra(std::uint32_t a) { return static_cast<std::uint32_t>(static_cast<std::int32_t>(a) >> k); }
+inline VF int_to_float(QF a) { return {_mm256_cvtepi32_ps(a.v)}; }
+inline float int_to_float(std::uint32_t a) { return static_cast<float>(static_cast<std::int32_t>(a)); }
+
+}  // namespace qon::simd
