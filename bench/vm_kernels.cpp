@@ -8,6 +8,7 @@
 // ratio reporter prints baseline time / qon time for every pair of the same function and n.
 // Arguments (fixed seed): Sqrt, InvSqrt uniform in (0, 1e6]; Ln log-uniform in [1e-30, 1e30]
 // (double) and [1e-15, 1e15] (single); Sin, Cos, SinCos, Tan uniform in [-100, 100].
+// Exp (the exponential): uniform in [-700, 700] (double) and [-87, 88] (single); SLEEF u10 only.
 // Run: qon_bench_vm_kernels --benchmark_repetitions=5 --benchmark_report_aggregates_only=true
 #include <benchmark/benchmark.h>
 #include <immintrin.h>
@@ -27,10 +28,12 @@
 #endif
 #ifdef QON_HAVE_MVEC
 extern "C" __m256d _ZGVdN4v_log(__m256d);
+extern "C" __m256d _ZGVdN4v_exp(__m256d);
 extern "C" __m256d _ZGVdN4v_sin(__m256d);
 extern "C" __m256d _ZGVdN4v_cos(__m256d);
 extern "C" __m256d _ZGVdN4v_tan(__m256d);
 extern "C" __m256 _ZGVdN8v_logf(__m256);
+extern "C" __m256 _ZGVdN8v_expf(__m256);
 extern "C" __m256 _ZGVdN8v_sinf(__m256);
 extern "C" __m256 _ZGVdN8v_cosf(__m256);
 extern "C" __m256 _ZGVdN8v_tanf(__m256);
@@ -38,7 +41,7 @@ extern "C" __m256 _ZGVdN8v_tanf(__m256);
 
 namespace {
 
-enum class Domain { positive, logarithmic, periodic };
+enum class Domain { positive, logarithmic, periodic, exponential };
 
 template <class T>
 const std::vector<T> &arguments(Domain d, std::size_t n) {
@@ -53,6 +56,7 @@ const std::vector<T> &arguments(Domain d, std::size_t n) {
             const double p = u(gen);
             x = static_cast<T>(d == Domain::positive      ? 1e6 * (1 - p)
                                : d == Domain::logarithmic ? std::pow(10.0, decades * (2 * p - 1))
+                               : d == Domain::exponential ? (sizeof(T) == 8 ? 1400 * p - 700 : 175 * p - 87)
                                                           : 200 * p - 100);
         }
     }
@@ -123,6 +127,8 @@ void register_all() {
     add<float>("sInvSqrt/libm", Domain::positive, scalar_loop<float>([](float x) { return 1 / std::sqrt(x); }));
     add<double>("dLn/libm", Domain::logarithmic, scalar_loop<double>(std::log));
     add<float>("sLn/libm", Domain::logarithmic, scalar_loop<float>(std::log));
+    add<double>("dExp/libm", Domain::exponential, scalar_loop<double>(std::exp));
+    add<float>("sExp/libm", Domain::exponential, scalar_loop<float>(std::exp));
     add<double>("dSin/libm", Domain::periodic, scalar_loop<double>(std::sin));
     add<float>("sSin/libm", Domain::periodic, scalar_loop<float>(std::sin));
     add<double>("dCos/libm", Domain::periodic, scalar_loop<double>(std::cos));
@@ -138,6 +144,8 @@ void register_all() {
 #ifdef QON_HAVE_MVEC
     add("dLn/mvec", Domain::logarithmic, lanes(_ZGVdN4v_log));
     add("sLn/mvec", Domain::logarithmic, lanes(_ZGVdN8v_logf));
+    add("dExp/mvec", Domain::exponential, lanes(_ZGVdN4v_exp));
+    add("sExp/mvec", Domain::exponential, lanes(_ZGVdN8v_expf));
     add("dSin/mvec", Domain::periodic, lanes(_ZGVdN4v_sin));
     add("sSin/mvec", Domain::periodic, lanes(_ZGVdN8v_sinf));
     add("dCos/mvec", Domain::periodic, lanes(_ZGVdN4v_cos));
@@ -152,6 +160,8 @@ void register_all() {
     add("dLn/sleef_u35", Domain::logarithmic, lanes(Sleef_logd4_u35avx2));
     add("sLn/sleef_u10", Domain::logarithmic, lanes(Sleef_logf8_u10avx2));
     add("sLn/sleef_u35", Domain::logarithmic, lanes(Sleef_logf8_u35avx2));
+    add("dExp/sleef_u10", Domain::exponential, lanes(Sleef_expd4_u10avx2));
+    add("sExp/sleef_u10", Domain::exponential, lanes(Sleef_expf8_u10avx2));
     add("dSin/sleef_u10", Domain::periodic, lanes(Sleef_sind4_u10avx2));
     add("dSin/sleef_u35", Domain::periodic, lanes(Sleef_sind4_u35avx2));
     add("sSin/sleef_u10", Domain::periodic, lanes(Sleef_sinf8_u10avx2));
@@ -185,6 +195,8 @@ void register_all() {
     qon_slots("sInvSqrt", Domain::positive, paxsInvSqrt, paxsInvSqrt_21, paxsInvSqrt_11);
     qon_slots("dLn", Domain::logarithmic, paxdLn, paxdLn_50, paxdLn_26);
     qon_slots("sLn", Domain::logarithmic, paxsLn, paxsLn_21, paxsLn_11);
+    qon_slots("dExp", Domain::exponential, paxdExp, paxdExp_50, paxdExp_26);
+    qon_slots("sExp", Domain::exponential, paxsExp, paxsExp_21, paxsExp_11);
     qon_slots("dSin", Domain::periodic, paxdSin, paxdSin_50, paxdSin_26);
     qon_slots("sSin", Domain::periodic, paxsSin, paxsSin_21, paxsSin_11);
     qon_slots("dCos", Domain::periodic, paxdCos, paxdCos_50, paxdCos_26);

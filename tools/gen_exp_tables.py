@@ -14,6 +14,8 @@ in Python rounds correctly to nearest.
                 scalar routine forms hi * (p + lo))
   t3[j]       = {hi, lo}: hi = RN(2^(j/64)), lo = RN(2^(j/64) - hi)          (absolute: the HA
                 vector method forms hi + (p * hi + lo))
+  t8_hi[j], t8_lo[j]   floats: hi = RN_float(2^(j/8)), lo = RN_float(2^(j/8) - hi) (the single
+                HA method forms hi + (p * hi + lo) in float lanes)
 
 The coefficients fit (e^s - 1 - s) / s^2 by the polynomial of the given degree that
 interpolates it at the Chebyshev nodes of the reduced interval (near-minimax), each coefficient
@@ -101,6 +103,18 @@ def table_file():
             hi = rn(t)
             lo = rn((t - Fraction(hi)) / Fraction(hi)) if relative else rn(t - Fraction(hi))
             out.append('    {%s, %s},' % (hexd(hi), hexd(lo)))
+        out.append('};')
+    out.append('')
+    out.append('// 2^(j/8) = hi + lo in floats: the single HA method\'s pairs.')
+    for name, part in (('t8_hi', 0), ('t8_lo', 1)):
+        out.append('alignas(32) const float %s[8] = {' % name)
+        for j in range(0, 8, 4):
+            vals = []
+            for i in range(j, j + 4):
+                t = pow2(i, 8)
+                hi = rn_float(t)
+                vals.append(hexd(hi if part == 0 else rn_float(t - Fraction(hi))) + 'f,')
+            out.append('    ' + ' '.join(vals))
         out.append('};')
     out.append('')
     out.append('}  // namespace qon::vm::exp_tables')

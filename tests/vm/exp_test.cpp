@@ -69,6 +69,16 @@ TEST(ExpTables, MatchTwoToTheFractionInQuadPrecision) {
     }
 }
 
+TEST(ExpTables, FloatPairsMatchTwoToTheEighthsInQuadPrecision) {
+    using qon::vm::exp_tables::t8_hi;
+    using qon::vm::exp_tables::t8_lo;
+    for (int j = 0; j < 8; ++j) {
+        const __float128 v = exp2q(static_cast<__float128>(j) / 8);
+        EXPECT_EQ(t8_hi[j], static_cast<float>(v)) << j;
+        EXPECT_EQ(t8_lo[j], static_cast<float>(v - t8_hi[j])) << j;
+    }
+}
+
 TEST(ExpTables, PublishedPairForOneSixtyFourth) {
     EXPECT_EQ(t2[1].hi, 1.0108892860517005);
     EXPECT_EQ(t2[1].lo, -1.507066976926039e-17);
@@ -101,6 +111,15 @@ TEST(ExpAccuracy, SingleSlotsWithinTheirBounds) {
     acc::Sweep sweep;
     sweep.regions = {acc::uniform(-104, 89), acc::uniform(-3, 3), acc::log_both_signs(1e-10f, 1),
                     acc::uniform(-88, -86), acc::uniform(86, 89), acc::uniform(-104, -103)};
+    // The vector range ends at -87.33 and 88.7228317 (results still normal): both sides of each
+    // end, and of ln(smallest normal) and ln(largest float).
+    for (float x : {-87.33f, 88.7228317f, -87.3365448f, 88.7228394f})
+        for (int d = -3; d <= 3; ++d) {
+            const float y = std::nextafter(x, d < 0 ? -1e9f : 1e9f);
+            float v = x;
+            for (int k = 0; k < std::abs(d); ++k) v = std::nextafter(v, y);
+            sweep.special.push_back({v, v});
+        }
     const acc::Slots slots =
         acc::measure_u<float>(qon_pax_kernel_sExp_ttab, [](__float128 x) { return expq(x); }, sweep);
     acc::expect_accuracy<float>("sExp", slots);

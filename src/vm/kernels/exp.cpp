@@ -20,13 +20,16 @@
 // 0.51 ulp. It defines the statuses: x > ln(largest double) overflows (+inf, status 3);
 // x < -708.396 underflows (subnormal or +0, status 4); +-inf and NaN give +inf, +0, NaN silently.
 //
-// Single: HA widens the lanes to double, evaluates t1[N & 127] * 2^(N >> 7) * e^s with a cubic
-// (relative error 2^-38) and rounds once (within 0.5 + 2^-14 ulp). LA and EP stay in float: x = n*ln2 + r with |r| <= ln2/2 and
-// e^r ~ 1 + r + r^2*(c2 + ...), degree 6 for LA (two-constant reduction; measured 0.97 ulp)
-// and degree 4 for EP (one constant; measured 168 ulp, 16 correct bits). Lanes with
-// |x| > 86.5 (where 2^n*p could leave the normal range) or non-finite go to the float scalar
-// routine: the double routine rounded once to float, status 3 when that is +inf, 4 when it is
-// below the smallest normal float.
+// Single, in float lanes: HA x = (8n + j) ln2/8 + r, |r| <= ln2/16, two-constant reduction,
+// e^r - 1 by its Taylor series to r^4 (2^-29.5 relative), result hi + (hi p + lo) with
+// hi + lo = 2^(j/8) read by a permute: the last rounding dominates, measured 0.578 ulp. LA and
+// EP: x = n ln2 + r with |r| <= ln2/2 and e^r ~ 1 + r + r^2 (c2 + ...), degree 6 for LA
+// (two-constant reduction; measured 0.97 ulp) and degree 4 for EP (one constant; measured
+// 168 ulp, 16 correct bits). Every method builds 2^n e^r by adding n to the exponent field,
+// exact while the result is normal: lanes with x < -87.33 or x > 88.7228317 (e^x near the
+// smallest normal or the largest float) or NaN go to the float scalar routine: the double
+// routine rounded once to float, status 3 when that is +inf, 4 when it is below the smallest
+// normal float.
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -40,6 +43,8 @@ using namespace qon::simd;
 using qon::vm::exp_tables::t1;
 using qon::vm::exp_tables::t2;
 using qon::vm::exp_tables::t3;
+using qon::vm::exp_tables::t8_hi;
+using qon::vm::exp_tables::t8_lo;
 
 constexpr std::uint64_t neg_shifter = 0xC338000000000000;  // -1.5*2^52
 constexpr std::uint64_t sign_clear = 0x7FFFFFFFFFFFFFFF;
@@ -227,10 +232,14 @@ struct ExpFloat {
     static constexpr std::uint32_t ln2 = 0x3F317218;        // ln2 = 0.693147182
     static constexpr std::uint32_t ln2_hi = 0x3F317200;     // ln2 high = 0.693145752
     static constexpr std::uint32_t ln2_lo = 0x35BFBE8E;     // ln2 low = 1.42860677e-06
-    static constexpr std::uint32_t threshold = 0x42AD0000;  // 86.5
+    static constexpr std::uint32_t lowest = 0xC2AEA8F6;   // -87.33: e^x above the smallest normal
+    static constexpr std::uint32_t highest = 0x42B17217;  // 88.7228317: e^x below the largest float
 
+    // Lanes whose result may leave the normal range, and NaN: 2^n p with n = round(x/ln2) and
+    // p = e^r in [0.7, 1.42] is built by adding n to the exponent field of p, exact while the
+    // result is normal.
     template <bool tail, class V>
-    static Mask<V> special(V x) { return gt_or_nan(abs(x), constant<V>(threshold)); }
+    static Mask<V> special(V x) { return mask_or(lt(x, constant<V>(lowest)), gt_or_nan(x, constant<V>(highest))); }
     static int scalar(float x, float &r) {
         double wide;
         exp_scalar(static_cast<double>(x), wide);
@@ -276,23 +285,29 @@ struct ExpFloatLA : ExpFloat {
     }
 };
 
-// HA: the float lanes widened to double and computed as in the double EP method with a cubic
-// (e^s ~ 1 + s + s^2/2 + s^3/6, truncation 2^-38 on |s| <= 0.0027), rounded once to float.
+// HA: 8 steps per doubling in float lanes. y = x*8/ln2 + 1.5*2^23 holds N in its low bits;
+// r = (x - N*S1) - N*S2 with S1 + S2 = ln2/8 (S1 of 12 bits: N*S1 and the first difference are
+// exact); e^r - 1 ~ r + r^2 (1/2 + r/6 + r^2/24) (Taylor, truncation 2^-29.5 relative on
+// |r| <= ln2/16); result hi + (hi*p + lo) with hi + lo = 2^(j/8) (t8_hi, t8_lo, read by a
+// permute), N >> 3 added to the exponent.
 struct ExpFloatHA : ExpFloat {
-    static constexpr int groups = 1;
-    static constexpr std::uint64_t sixth = 0x3FC5555555555555;  // 1/6
+    static constexpr std::uint32_t inv_step = 0x4138AA3B;  // 8/ln2 = 11.5415602
+    static constexpr std::uint32_t step_hi = 0x3DB17000;   // S1 = 0.086639404296875
+    static constexpr std::uint32_t step_lo = 0x3685FDF4;   // S2 = 3.99327291e-06
+    static constexpr std::uint32_t sixth = 0x3E2AAAAB;     // 1/6
+    static constexpr std::uint32_t c4 = 0x3D2AAAAB;        // 1/24
+    static constexpr std::uint32_t exponent_bits = 0xFF800000;
 
-    template <class D>
-    static D widened(D x) {
-        const D one = splat<D>(1.0);
-        const D y = Step128::shifted(x);
-        const D s = neg_mul_add(y + constant<D>(neg_shifter), constant<D>(ExpEP::step), x);
-        const D p = horner(s, constant<D>(sixth), splat<D>(0.5), one, one);
-        return Step128::scale(Step128::table(y) * p, y);
-    }
     template <class V>
     static V eval(V x) {
-        return in_double(x, [](auto d) { return widened(d); });
+        const V y = mul_add(x, constant<V>(inv_step), constant<V>(shifter));
+        const V n = y - constant<V>(shifter);
+        const V r = reduce(x, n, step_hi, step_lo);
+        const V q = horner(r, constant<V>(c4), constant<V>(sixth), splat<V>(0.5f));
+        const V p = mul_add(r * r, q, r);
+        const V hi = permute_table<8>(t8_hi, bits(y));
+        const V result = hi + mul_add(hi, p, permute_table<8>(t8_lo, bits(y)));
+        return from_bits(bits(result) + (shl<20>(bits(y)) & splat_q<V>(exponent_bits)));
     }
 };
 

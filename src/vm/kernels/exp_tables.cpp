@@ -177,4 +177,14 @@ alignas(64) const Pair t3[64] = {
     {0x1.fa7c1819e90d8p+0, 0x1.74853f3a5931ep-55},
 };
 
+// 2^(j/8) = hi + lo in floats: the single HA method's pairs.
+alignas(32) const float t8_hi[8] = {
+    0x1.0000000000000p+0f, 0x1.172b840000000p+0f, 0x1.306fe00000000p+0f, 0x1.4bfdae0000000p+0f,
+    0x1.6a09e60000000p+0f, 0x1.8ace540000000p+0f, 0x1.ae89fa0000000p+0f, 0x1.d5818e0000000p+0f,
+};
+alignas(32) const float t8_lo[8] = {
+    0x0.0p+0f, -0x1.c157420000000p-27f, 0x1.4636e20000000p-25f, -0x1.593abc0000000p-25f,
+    0x1.9fcef40000000p-26f, 0x1.15506e0000000p-27f, -0x1.a94b140000000p-26f, -0x1.822dbc0000000p-27f,
+};
+
 }  // namespace qon::vm::exp_tables
