@@ -1,13 +1,15 @@
 // Vector-math kernels of the square root, inverse square root, logarithm, sine, cosine,
-// sine-and-cosine and tangent against their peers, in one run: each qon slot (HA, LA, EP; one
-// row for Sqrt, whose slots share a kernel) against a scalar libm loop, glibc's libmvec AVX2
+// sine-and-cosine, tangent and inverse error function against their peers, in one run: each
+// qon slot (HA, LA, EP; one row for Sqrt, whose slots share a kernel) against a scalar libm
+// loop (GSL's for the inverse error function), glibc's libmvec AVX2
 // variants (_ZGVdN4v_*, _ZGVdN8v_*f) and SLEEF's AVX2 variants (u10 and u35; u05 for the square
 // root), at n = 1000 and n = 1,000,000.
 //
 // Rows are "<t><Func>/<impl>/<n>" (qon rows "qon_HA", "qon_LA", "qon_EP"); after the runs the
 // ratio reporter prints baseline time / qon time for every pair of the same function and n.
 // Arguments (fixed seed): Sqrt, InvSqrt uniform in (0, 1e6]; Ln log-uniform in [1e-30, 1e30]
-// (double) and [1e-15, 1e15] (single); Sin, Cos, SinCos, Tan uniform in [-100, 100].
+// (double) and [1e-15, 1e15] (single); Sin, Cos, SinCos, Tan uniform in [-100, 100]; ErfInv
+// uniform in [-1, 1), against a scalar loop over GSL's inverse normal distribution function.
 // Exp (the exponential): uniform in [-700, 700] (double) and [-87, 88] (single); SLEEF u10 only.
 // Run: qon_bench_vm_kernels --benchmark_repetitions=5 --benchmark_report_aggregates_only=true
 #include <benchmark/benchmark.h>
@@ -26,6 +28,9 @@
 #ifdef QON_HAVE_SLEEF
 #include <sleef.h>
 #endif
+#ifdef QON_HAVE_GSL
+#include <gsl/gsl_cdf.h>
+#endif
 #ifdef QON_HAVE_MVEC
 extern "C" __m256d _ZGVdN4v_log(__m256d);
 extern "C" __m256d _ZGVdN4v_exp(__m256d);
@@ -41,7 +46,7 @@ extern "C" __m256 _ZGVdN8v_tanf(__m256);
 
 namespace {
 
-enum class Domain { positive, logarithmic, periodic, exponential };
+enum class Domain { positive, logarithmic, periodic, unit, exponential };
 
 template <class T>
 const std::vector<T> &arguments(Domain d, std::size_t n) {
@@ -56,6 +61,7 @@ const std::vector<T> &arguments(Domain d, std::size_t n) {
             const double p = u(gen);
             x = static_cast<T>(d == Domain::positive      ? 1e6 * (1 - p)
                                : d == Domain::logarithmic ? std::pow(10.0, decades * (2 * p - 1))
+                               : d == Domain::unit        ? 2 * p - 1
                                : d == Domain::exponential ? (sizeof(T) == 8 ? 1400 * p - 700 : 175 * p - 87)
                                                           : 200 * p - 100);
         }
@@ -141,6 +147,15 @@ void register_all() {
     add<float>("sSinCos/libm", Domain::periodic, [](int n, const float *a, float *s, float *c) {
         for (int i = 0; i < n; ++i) sincosf(a[i], s + i, c + i);
     });
+#ifdef QON_HAVE_GSL
+    // erfinv(x) = Phi^-1((x + 1)/2) / sqrt(2) through GSL's inverse normal distribution function.
+    add<double>("dErfInv/gsl", Domain::unit, scalar_loop<double>([](double x) {
+        return gsl_cdf_ugaussian_Pinv(0.5 * (x + 1)) * M_SQRT1_2;
+    }));
+    add<float>("sErfInv/gsl", Domain::unit, scalar_loop<float>([](float x) {
+        return static_cast<float>(gsl_cdf_ugaussian_Pinv(0.5 * (x + 1.0)) * M_SQRT1_2);
+    }));
+#endif
 #ifdef QON_HAVE_MVEC
     add("dLn/mvec", Domain::logarithmic, lanes(_ZGVdN4v_log));
     add("sLn/mvec", Domain::logarithmic, lanes(_ZGVdN8v_logf));
@@ -205,6 +220,8 @@ void register_all() {
     qon_slots("sTan", Domain::periodic, paxsTan, paxsTan_21, paxsTan_11);
     qon_slots("dSinCos", Domain::periodic, paxdSinCos, paxdSinCos_50, paxdSinCos_26);
     qon_slots("sSinCos", Domain::periodic, paxsSinCos, paxsSinCos_21, paxsSinCos_11);
+    qon_slots("dErfInv", Domain::unit, paxdErfInv, paxdErfInv_50, paxdErfInv_26);
+    qon_slots("sErfInv", Domain::unit, paxsErfInv, paxsErfInv_21, paxsErfInv_11);
 }
 
 }  // namespace

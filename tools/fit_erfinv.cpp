@@ -9,7 +9,8 @@
 //   main   p(w) = erfinv(x)/x on 0 <= w <= 6.25 (|x| <= 0.998), a polynomial in w;
 //          p'(w), a short polynomial used only to carry the low part of w in the HA method;
 //   far    erfinv(x) as a polynomial in t - centre, t = sqrt(w), on 2.5 <= t <= 4 and
-//          4 <= t <= 6.07 (1 - |x| down to 2^-53).
+//          4 <= t <= 6.07 (1 - |x| down to 2^-53); one set, for the HA evaluation every slot
+//          uses there.
 // The reference is __float128: Newton's method on erf (x <= 1/2) or on ln erfc (1 - x =
 // e^-w / (1 + x), exact in the tails) to 2^-110. Each polynomial interpolates the function at
 // the Chebyshev nodes of its interval (near-minimax), is re-expanded in powers of u - centre,
@@ -193,11 +194,7 @@ int main(int argc, char **argv) {
     if (want("main_ep")) emit("main_ep", p_of_w, 0, w_main, 3.125Q, 6, 0x1p-29Q);
     if (want("main_slope")) emit("main_slope", dp_of_w, 0, w_main, 0, 1, 0x1p-5Q);
     if (want("far1_ha")) emit("far1_ha", far_of_t, 2.5Q, t_split, 3.25Q, 12, 0x1p-60Q);
-    if (want("far1_la")) emit("far1_la", far_of_t, 2.5Q, t_split, 3.25Q, 12, 0x1p-56Q);
-    if (want("far1_ep")) emit("far1_ep", far_of_t, 2.5Q, t_split, 3.25Q, 4, 0x1p-29Q);
     if (want("far2_ha")) emit("far2_ha", far_of_t, t_split, t_end, 5, 12, 0x1p-60Q);
-    if (want("far2_la")) emit("far2_la", far_of_t, t_split, t_end, 5, 12, 0x1p-56Q);
-    if (want("far2_ep")) emit("far2_ep", far_of_t, t_split, t_end, 5, 4, 0x1p-29Q);
     if (!only) std::printf("\n}  // namespace qon::vm::erfinv_poly\n");
     return 0;
 }

@@ -2,30 +2,33 @@
 //
 // Vector method, |x| < 1: w = -ln(1 - x^2), with 1 - x^2 formed from x (|x| < 1/2) or from
 // the exact c = 1 - |x| as 2c - c^2 (|x| >= 1/2), one fused rounding each.
-//   main  w <= 6.25 (|x| <= 0.998): erfinv(x) = x p(w); p(w) = erfinv(x)/x is free of
-//         singularities as a function of w, and a polynomial in u = w - 3.125 fits it:
-//         degree 26 (HA, 2^-62.6), 24 (LA, 2^-56.8), 12 (EP, 2^-30.5).
-//   far   w > 6.25 (x within 0.002 of +-1, a branch taken only when a vector has such a lane):
-//         t = sqrt(w), erfinv = sign(x) g(t) with polynomials in t - 3.25 on [2.5, 4] and in
-//         t - 5 on [4, 6.07] (1 - |x| down to 2^-53): degrees 19/17 (HA), 18/16 (LA), 8/7 (EP).
-// The logarithm is computed inline: x = 2^k m, m in [sqrt(2)/2, sqrt(2)), f = m - 1 exact,
+//   main  w <= 6.25 (|x| <= 0.998): erfinv(x) = x p(w). As a function of w, p(w) = erfinv(x)/x
+//         has no singularity near the interval (1 - x^2 = e^-w never reaches 0), so one
+//         polynomial in u = w - 3.125 fits it: degree 26 (HA, fit error 2^-62.6), 24 (LA,
+//         2^-56.8), 12 (EP, 2^-30.5); coefficients from tools/fit_erfinv.cpp.
+//   far   w > 6.25 (x within 0.002 of +-1; a branch taken only for a vector with such a lane):
+//         t = sqrt(w), erfinv = sign(x) g(t), polynomials in t - 3.25 on [2.5, 4] (degree 19)
+//         and t - 5 on [4, 6.07] (degree 17, 1 - |x| down to 2^-53), evaluated as in HA by
+//         every slot.
+// The logarithm is inline: P = 2^k m, m in [sqrt(2)/2, sqrt(2)), f = m - 1 exact,
 // s = f/(2 + f), ln(1 + f) = f - f^2/2 + s(f^2/2 + R(s^2)), R the atanh series (10 terms HA,
 // 9 LA, 4 EP).
-// HA carries the rounding errors: 1 - x^2 as a pair, the logarithm as a pair (exact k ln2_hi +
-// f, f^2/2 split by fma, both sums compensated), u = w - 3.125 compensated; the low part of
-// u enters through p'(w) (a quadratic, 2% accurate, enough for a term below 2^-53 p); the last
-// two Horner steps and the two lowest coefficients in double-double, and y = fma(x, p_hi,
-// x p_lo). In the far region t = sqrt(w) is corrected by (w - t^2)/(2t) (g' = 1 within 4%).
-// Measured (accuracy harness, 1e3 arguments per region: uniform on (-1, 1), log-uniform
-// magnitudes, 1 - |x| log-uniform down to 2^-53): double HA 0.556 ulp, LA 2.69 ulp, EP 5.9e6 ulp
-// (29 correct bits); single 0.509 ulp in every slot.
+// HA carries the rounding errors: 1 - x^2 as a pair, the logarithm as a pair (k ln2_hi + f
+// exact, f^2/2 split by fma, compensated sums), u = w - 3.125 compensated; the low part of u
+// enters through p'(w) (a quadratic, 2% accurate, on a term below 2^-53 p); the last two
+// Horner steps and the two lowest coefficients in double-double; y = fma(x, p_hi, x p_lo). In
+// the far region t = sqrt(w) is corrected by (w - t^2 + w_lo)/(2t) (g'(t) = 1 within 4%).
+// Measured max error (accuracy harness, 3e4 arguments per region: uniform on (-1, 1),
+// log-uniform magnitudes, 1 - |x| log-uniform from 1/2 down to 2^-53): double HA 0.556 ulp,
+// LA 2.54 ulp, EP 5.9e6 ulp (29 correct bits).
 // Single: every slot evaluates the double EP method in double lanes and rounds once (relative
-// error below 2^-28 before rounding: within 0.5 + 2^-4 ulp).
-// Lanes with |x| >= 1, NaN, or |x| < 2^-1021 (2^-125 single: results that may be subnormal)
-// go to the scalar routine, which defines the statuses: erfinv(+-1) = +-inf (2, singularity),
-// |x| > 1 gives NaN (1, domain), NaN gives NaN unreported, +-0 gives +-0, and a normal x whose
-// result is subnormal reports underflow (4). It refines an estimate by Halley's method on erf
-// or erfc in extended precision (special.hpp) and rounds once: within 0.5 + 2^-9 ulp.
+// error below 2^-29 before rounding): measured 0.51 ulp.
+// Lanes with |x| >= 1, NaN, or |x| < 2^-969 (2^-125 single: where x p_lo or the result may be
+// subnormal) go to the scalar routine, which defines the statuses: erfinv(+-1) = +-inf (2,
+// singularity), |x| > 1 gives NaN (1, domain), NaN gives NaN unreported, +-0 gives +-0, and a
+// normal x whose result is subnormal reports underflow (4). It refines an estimate by Halley's
+// method on erf or erfc in extended precision (special.hpp) and rounds once: within
+// 0.5 + 2^-9 ulp.
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -53,13 +56,13 @@ constexpr double main_centre = 3.125;
 constexpr double far_split = 4;      // t bound between the far polynomials
 constexpr double far1_centre = 3.25, far2_centre = 5;
 
-// Horner's scheme over c[from .. N - 1 - drop] (highest degree first), as two chains in u^2
-// (even and odd degrees) to halve the dependency chain.
+// The polynomial c[0 .. N - 1 - drop] (highest degree first) at u by Horner's scheme, as two
+// chains in u^2 (even and odd degrees) to halve the dependency chain.
 template <std::size_t drop = 0, class V, std::size_t N>
-V polynomial(V u, const double (&c)[N]) {
+[[gnu::always_inline]] inline V polynomial(V u, const double (&c)[N]) {
     constexpr std::size_t n = N - drop;  // coefficients used
     const V u2 = u * u;
-    // c[0] has degree n - 1; the chain holding it starts there, the other one a degree lower.
+    // c[0] (degree n - 1) starts chain a, c[1] chain b.
     V a = splat<V>(c[0]), b = splat<V>(c[1]);
     for (std::size_t i = 2; i + 1 < n; i += 2) {
         a = mul_add(a, u2, splat<V>(c[i]));
@@ -69,14 +72,7 @@ V polynomial(V u, const double (&c)[N]) {
     else return mul_add(a, u, b);
 }
 
-// a + b = s + e exactly.
-template <class V>
-void two_sum(V a, V b, V &s, V &e) {
-    s = a + b;
-    const V bb = s - a;
-    e = (a - (s - bb)) + (b - bb);
-}
-// The same when |a| >= |b| or a = 0.
+// a + b = s + e exactly when |a| >= |b| or a = 0.
 template <class V>
 void fast_two_sum(V a, V b, V &s, V &e) {
     s = a + b;
@@ -94,7 +90,7 @@ V series(V z) {
 // -ln P for 0 < P <= 1 normal (lanes of V), as w_hi + w_lo (paired) or w_hi alone. P_lo is
 // the low part of P, |P_lo| <= 2^-53 P (paired only).
 template <int N, bool paired, class V>
-void minus_log(V P, V P_lo, V &w_hi, V &w_lo) {
+[[gnu::always_inline]] inline void minus_log(V P, V P_lo, V &w_hi, V &w_lo) {
     const auto ix = bits(P);
     const auto e = shr<52>(ix + splat_q<V>(one_bits - root_half));  // biased exponent k + 1023
     const V m = from_bits(ix - shl<52>(e) + splat_q<V>(one_bits));
@@ -109,11 +105,14 @@ void minus_log(V P, V P_lo, V &w_hi, V &w_lo) {
         const V tail = mul_add(k, constant<V>(ln2_lo), s * (hfsq + R));
         w_hi = splat<V>(0.0) - mul_add(k, constant<V>(ln2_hi), f - (hfsq - tail));
     } else {
+        // P_lo/P ~ 2^-k P_lo (1 - f + f^2): a 7% error on a term below 2^-53.
         V b, e1, c, e2, sum, sum_lo;
         fast_two_sum(k * constant<V>(ln2_hi), f, b, e1);
         fast_two_sum(b, splat<V>(0.0) - hfsq, c, e2);
         const V hfsq_lo = mul_sub(half_f, f, hfsq);
-        const V lo = ((e1 + e2) - hfsq_lo) + mul_add(k, constant<V>(ln2_lo), s * (hfsq + R)) + P_lo / P;
+        const V inverse_scale = from_bits(shl<52>(splat_q<V>(2046) - e));  // 2^-k
+        const V relative_lo = P_lo * inverse_scale * mul_add(f, f - splat<V>(1.0), splat<V>(1.0));
+        const V lo = ((e1 + e2) - hfsq_lo) + mul_add(k, constant<V>(ln2_lo), s * (hfsq + R)) + relative_lo;
         fast_two_sum(c, lo, sum, sum_lo);
         w_hi = splat<V>(0.0) - sum;
         w_lo = splat<V>(0.0) - sum_lo;
@@ -122,15 +121,18 @@ void minus_log(V P, V P_lo, V &w_hi, V &w_lo) {
 
 // c[0 .. N-3] by Horner, then the last two steps a1 + u q and a0 + u (...) in double-double
 // with the low parts lo = {a1_lo, a0_lo}; `extra` is added to the low part. Returns hi + lo.
+// The sums are fast two-sums: over the fitted intervals |a1| > |u q| and |a0| > |u (...)|
+// (the function varies by less than its value at the centre, and its slope by less than the
+// slope there).
 template <class V, std::size_t N>
-void pair_polynomial(V u, V extra, const double (&c)[N], const double (&lo)[2], V &hi, V &low) {
+[[gnu::always_inline]] inline void pair_polynomial(V u, V extra, const double (&c)[N], const double (&lo)[2], V &hi, V &low) {
     const V q = polynomial<2>(u, c);
     V p1 = u * q, p1e = mul_sub(u, q, p1), b, be;
-    two_sum(splat<V>(c[N - 2]), p1, b, be);
+    fast_two_sum(splat<V>(c[N - 2]), p1, b, be);
     const V b_lo = be + p1e + splat<V>(lo[0]);
     const V p2 = u * b, p2e = mul_add(u, b_lo, mul_sub(u, b, p2));
     V a, ae;
-    two_sum(splat<V>(c[N - 1]), p2, a, ae);
+    fast_two_sum(splat<V>(c[N - 1]), p2, a, ae);
     hi = a;
     low = ae + p2e + splat<V>(lo[1]) + extra;
 }
@@ -141,27 +143,37 @@ template <>
 struct Slot<HA> {
     static constexpr int log_terms = 10;
     static constexpr auto &main = poly::main_ha;
-    static constexpr auto &far1 = poly::far1_ha;
-    static constexpr auto &far2 = poly::far2_ha;
 };
 template <>
 struct Slot<LA> {
     static constexpr int log_terms = 9;
     static constexpr auto &main = poly::main_la;
-    static constexpr auto &far1 = poly::far1_la;
-    static constexpr auto &far2 = poly::far2_la;
 };
 template <>
 struct Slot<EP> {
     static constexpr int log_terms = 4;
     static constexpr auto &main = poly::main_ep;
-    static constexpr auto &far1 = poly::far1_ep;
-    static constexpr auto &far2 = poly::far2_ep;
 };
+
+// erfinv(x) for the lanes with w > 6.25 (|x| > 0.998), rare in most uses: every slot takes the
+// HA evaluation here (the pair w + w_lo recomputed unless the slot has it).
+template <int A, class V>
+[[gnu::noinline]] V far_tail(V x, V P, V P_lo, V w, V w_lo) {
+    if constexpr (A != HA) minus_log<Slot<HA>::log_terms, true>(P, P_lo, w, w_lo);
+    const V t = sqrt(w);
+    const V t_lo = (neg_mul_add(t, t, w) + w_lo) * (splat<V>(0.5) / t);
+    const Mask<V> second = gt(t, splat<V>(far_split));
+    const V v = t - select(second, splat<V>(far2_centre), splat<V>(far1_centre));
+    V hi1, lo1, hi2, lo2;
+    pair_polynomial(v, t_lo, poly::far1_ha, poly::far1_ha_lo, hi1, lo1);
+    pair_polynomial(v, t_lo, poly::far2_ha, poly::far2_ha_lo, hi2, lo2);
+    const V g = select(second, hi2 + lo2, hi1 + lo1);
+    return from_bits(bits(g) | (bits(x) & splat_q<V>(sign_bit)));
+}
 
 // erfinv(x) for |x| < 1 in double lanes, slot A.
 template <int A, class V>
-V erfinv_core(V x) {
+[[gnu::always_inline]] inline V erfinv_core(V x) {
     constexpr bool ha = A == HA;
     const V ax = abs(x);
     const Mask<V> inner = lt(ax, splat<V>(0.5));
@@ -169,42 +181,24 @@ V erfinv_core(V x) {
     const V a = select(inner, x, c);
     const V b = select(inner, splat<V>(1.0), c + c);
     const V P = neg_mul_add(a, a, b);  // 1 - x^2
-    V w, w_lo = splat<V>(0.0);
-    if constexpr (ha) minus_log<Slot<A>::log_terms, true>(P, neg_mul_add(a, a, b - P), w, w_lo);
-    else minus_log<Slot<A>::log_terms, false>(P, P, w, w_lo);
-
-    V y;
+    V y, w, w_lo = splat<V>(0.0);
     if constexpr (ha) {
         // u = w - centre + u_err exactly: above the centre (up to 2 centre) the difference is
         // exact and u_err = 0; below it |centre| >= |w| as the fast sum needs.
+        minus_log<Slot<A>::log_terms, true>(P, neg_mul_add(a, a, b - P), w, w_lo);
         V u, u_err, hi, lo;
         fast_two_sum(splat<V>(-main_centre), w, u, u_err);
         const V slope = polynomial(w, poly::main_slope);
         pair_polynomial(u, slope * (u_err + w_lo), Slot<A>::main, poly::main_ha_lo, hi, lo);
         y = mul_add(x, hi, x * lo);
     } else {
+        minus_log<Slot<A>::log_terms, false>(P, P, w, w_lo);
         y = x * polynomial(w - splat<V>(main_centre), Slot<A>::main);
     }
 
     const Mask<V> far = gt(w, splat<V>(main_end));
-    if (any(far)) [[unlikely]] {
-        const V t = sqrt(w);
-        const Mask<V> second = gt(t, splat<V>(far_split));
-        const V centre = select(second, splat<V>(far2_centre), splat<V>(far1_centre));
-        const V v = t - centre;
-        V g;
-        if constexpr (ha) {
-            const V t_lo = (neg_mul_add(t, t, w) + w_lo) * (splat<V>(0.5) / t);
-            V hi1, lo1, hi2, lo2;
-            pair_polynomial(v, t_lo, poly::far1_ha, poly::far1_ha_lo, hi1, lo1);
-            pair_polynomial(v, t_lo, poly::far2_ha, poly::far2_ha_lo, hi2, lo2);
-            g = select(second, hi2 + lo2, hi1 + lo1);
-        } else {
-            g = select(second, polynomial(v, Slot<A>::far2), polynomial(v, Slot<A>::far1));
-        }
-        g = from_bits(bits(g) | (bits(x) & splat_q<V>(sign_bit)));
-        y = select(far, g, y);
-    }
+    if (any(far)) [[unlikely]]
+        y = select(far, far_tail<A>(x, P, neg_mul_add(a, a, b - P), w, w_lo), y);
     return y;
 }
 
@@ -226,13 +220,13 @@ struct Scalar {
 template <int A>
 struct ErfInvDouble {
     using T = double;
-    static constexpr int groups = 2;
+    static constexpr int groups = 4;
     template <class V>
-    static V eval(V x) { return erfinv_core<A>(x); }
+    [[gnu::always_inline]] static V eval(V x) { return erfinv_core<A>(x); }
     template <bool tail, class V>
     static Mask<V> special(V x) {
         const V ax = abs(x);
-        return mask_or(gt_or_nan(ax, splat<V>(std::nextafter(1.0, 0.0))), lt(ax, splat<V>(0x1p-1021)));
+        return mask_or(gt_or_nan(ax, splat<V>(std::nextafter(1.0, 0.0))), lt(ax, splat<V>(0x1p-969)));
     }
     static int scalar(double x, double &r) { return Scalar::eval(x, r); }
 };
@@ -241,7 +235,7 @@ struct ErfInvFloat {
     using T = float;
     static constexpr int groups = 1;
     template <class V>
-    static V eval(V x) {
+    [[gnu::always_inline]] static V eval(V x) {
         return in_double(x, [](auto d) { return erfinv_core<EP>(d); });
     }
     template <bool tail, class V>

@@ -117,40 +117,6 @@ static constexpr double far1_ha_lo[2] = {
     std::bit_cast<double>(0x3C8EB3D1019FCD17ull),  // 5.3260187811649865e-17
     std::bit_cast<double>(0x3CAEF94AF7CB3EACull),  // 2.1492391318086657e-16
 };
-// far1_la: degree 18 on [2.5, 4] in u - 3.25: fit error 2^-58.1, rounded coefficients 2^-53.6, sum|terms|/|p| 1.65
-static constexpr double far1_la[19] = {
-    std::bit_cast<double>(0x3E163EB821A51E74ull),  // 1.2948292495325167e-09
-    std::bit_cast<double>(0xBE1151D0D9FABFE7ull),  // -1.0081330006194249e-09
-    std::bit_cast<double>(0xBE42C052C3A8E5A5ull),  // -8.7317372127125342e-09
-    std::bit_cast<double>(0x3E5B568300C767C3ull),  // 2.5460437357234635e-08
-    std::bit_cast<double>(0xBE536A6B44C26B96ull),  // -1.8082279049616797e-08
-    std::bit_cast<double>(0xBE79E11092A04B76ull),  // -9.6407380440178035e-08
-    std::bit_cast<double>(0x3E9AAD68F4A146DBull),  // 3.9752398051539066e-07
-    std::bit_cast<double>(0xBEA4C8B445BFB278ull),  // -6.1941149054124084e-07
-    std::bit_cast<double>(0xBE9F300B57E0FE8Cull),  // -4.6473254389568204e-07
-    std::bit_cast<double>(0x3ED5511562FA15DEull),  // 5.0823050937779068e-06
-    std::bit_cast<double>(0xBEECF5002641C44Dull),  // -1.3807789578575624e-05
-    std::bit_cast<double>(0x3EF1E779207747C9ull),  // 1.707476806506856e-05
-    std::bit_cast<double>(0x3EF95168902963C1ull),  // 2.4145128018158083e-05
-    std::bit_cast<double>(0xBF2D19A56CE2D7F0ull),  // -0.00022201675750971274
-    std::bit_cast<double>(0x3F4C0CDDFD245964ull),  // 0.00085602607058169996
-    std::bit_cast<double>(0xBF64096906DE29D8ull),  // -0.0024458934121345081
-    std::bit_cast<double>(0x3F730E9D719BA205ull),  // 0.0046526098392196723
-    std::bit_cast<double>(0x3FF0168CA8555D95ull),  // 1.0055052352452993
-    std::bit_cast<double>(0x4008ABB74E751A6Aull),  // 3.0838457231032423
-};
-// far1_ep: degree 8 on [2.5, 4] in u - 3.25: fit error 2^-31.0, rounded coefficients 2^-31.0, sum|terms|/|p| 1.65
-static constexpr double far1_ep[9] = {
-    std::bit_cast<double>(0xBEED5657557FE4B7ull),  // -1.3989100509081245e-05
-    std::bit_cast<double>(0x3EF7E435BC828E1Full),  // 2.2784657432451985e-05
-    std::bit_cast<double>(0x3EF957C33EB7CD02ull),  // 2.4168799354695916e-05
-    std::bit_cast<double>(0xBF2D67245C7519ABull),  // -0.00022432631360853653
-    std::bit_cast<double>(0x3F4C0CDD90716D48ull),  // 0.00085602587285952495
-    std::bit_cast<double>(0xBF6408AAEBB8B4A1ull),  // -0.002445539312040682
-    std::bit_cast<double>(0x3F730E9D6E718EA2ull),  // 0.0046526097931721983
-    std::bit_cast<double>(0x3FF0168CA45A16AFull),  // 1.0055052204128676
-    std::bit_cast<double>(0x4008ABB74E751A6Aull),  // 3.0838457231032423
-};
 // far2_ha: degree 17 on [4, 6.07] in u - 5: fit error 2^-61.3, rounded coefficients 2^-53.7, sum|terms|/|p| 1.53
 static constexpr double far2_ha[18] = {
     std::bit_cast<double>(0x3D775736944944C8ull),  // 1.3267638543741211e-12
@@ -175,37 +141,6 @@ static constexpr double far2_ha[18] = {
 static constexpr double far2_ha_lo[2] = {
     std::bit_cast<double>(0xBC6FB33EC5CCEB8Full),  // -1.3747760128543414e-17
     std::bit_cast<double>(0x3CB222E595C533D0ull),  // 2.5169194075722245e-16
-};
-// far2_la: degree 16 on [4, 6.07] in u - 5: fit error 2^-56.6, rounded coefficients 2^-53.2, sum|terms|/|p| 1.53
-static constexpr double far2_la[17] = {
-    std::bit_cast<double>(0xBD9B96D52FE6DFCAull),  // -6.273055641314204e-12
-    std::bit_cast<double>(0x3DBB7FCF865B3F1Eull),  // 2.5010431570629708e-11
-    std::bit_cast<double>(0xBDC7AFB891C9C155ull),  // -4.3085328901426303e-11
-    std::bit_cast<double>(0x3DCAD6E94CC9F00Aull),  // 4.8820761321297758e-11
-    std::bit_cast<double>(0x3DCCA6C51F6045F3ull),  // 5.2116675490842064e-11
-    std::bit_cast<double>(0xBE1145EB5F1EAC7Dull),  // -1.0054280710763262e-09
-    std::bit_cast<double>(0x3E3D0BA03016B37Dull),  // 6.7626622092347748e-09
-    std::bit_cast<double>(0xBE642794CFE8087Dull),  // -3.7540894826812945e-08
-    std::bit_cast<double>(0x3E8A110D9554EF68ull),  // 1.942114048833057e-07
-    std::bit_cast<double>(0xBEB014C72E8EBAE1ull),  // -9.5851208413058602e-07
-    std::bit_cast<double>(0x3ED2DCD10EC9E1EBull),  // 4.497185937972908e-06
-    std::bit_cast<double>(0xBEF49DE79CD3C743ull),  // -1.9661727311998859e-05
-    std::bit_cast<double>(0x3F13EB3362BEE834ull),  // 7.5984011970315496e-05
-    std::bit_cast<double>(0xBF2C2F0C4B9604A6ull),  // -0.0002150251873836207
-    std::bit_cast<double>(0xBF222EB371AD7882ull),  // -0.00013872089842953758
-    std::bit_cast<double>(0x3FF02A30D2124A3Full),  // 1.0103004651943051
-    std::bit_cast<double>(0x4013664DDD1A43DDull),  // 4.8499064013749065
-};
-// far2_ep: degree 7 on [4, 6.07] in u - 5: fit error 2^-30.5, rounded coefficients 2^-30.5, sum|terms|/|p| 1.53
-static constexpr double far2_ep[8] = {
-    std::bit_cast<double>(0xBEB082C7C4B37E15ull),  // -9.8412398834974585e-07
-    std::bit_cast<double>(0x3ED4A4B3B194B5B7ull),  // 4.921762206050996e-06
-    std::bit_cast<double>(0xBEF4A74D3274ED03ull),  // -1.9696733173574416e-05
-    std::bit_cast<double>(0x3F13D84F6053276Cull),  // 7.5702519171686681e-05
-    std::bit_cast<double>(0xBF2C2E1B36B50BAEull),  // -0.00021499712179648189
-    std::bit_cast<double>(0xBF222CB4CF7839E3ull),  // -0.00013866145285175357
-    std::bit_cast<double>(0x3FF02A30D10AD789ull),  // 1.0103004613606308
-    std::bit_cast<double>(0x4013664DDCF89415ull),  // 4.8499063994140856
 };
 
 }  // namespace qon::vm::erfinv_poly
