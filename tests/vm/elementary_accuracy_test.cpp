@@ -287,6 +287,38 @@ TEST(ElementaryAccuracy, TwoResultFunctions) {
     two_results<double>("dModf", qon_pax_kernel_dModf_ttab, modf, symmetric_log, true);
 }
 
+// The reductions near their hard cases: the three nearest values of T to k*pi/2 for k up to
+// past the vector range, where r is a few ulps of x or less and every bit of pi/2 counts.
+template <class T>
+std::vector<std::array<double, 2>> near_half_pi_multiples() {
+    std::vector<std::array<double, 2>> xs;
+    for (double k = 1; k < 4e6; k = k < 64 ? k + 1 : std::floor(k * 1.37)) {
+        const T x = static_cast<T>(k * (qpi / 2));
+        for (T v : {std::nextafter(x, T(0)), x, std::nextafter(x, std::numeric_limits<T>::infinity())})
+            xs.push_back({double(v), 0.0}), xs.push_back({-double(v), 0.0});
+    }
+    return xs;
+}
+
+template <class T>
+void near_multiples(const char *name, qon_pax_kernel_fn const (&table)[3], const acc::Ref1 &ref) {
+    const acc::Sweep sweep{{}, near_half_pi_multiples<T>(), 0};
+    acc::expect_accuracy<T>(name, acc::measure_u<T>(table, ref, sweep), acc::standard_bounds<T>());
+}
+
+TEST(ElementaryAccuracy, TrigonometryNextToMultiplesOfHalfPi) {
+    near_multiples<double>("dSin", qon_pax_kernel_dSin_ttab, sinq);
+    near_multiples<double>("dCos", qon_pax_kernel_dCos_ttab, cosq);
+    near_multiples<double>("dTan", qon_pax_kernel_dTan_ttab, tanq);
+    near_multiples<float>("sSin", qon_pax_kernel_sSin_ttab, sinq);
+    near_multiples<float>("sCos", qon_pax_kernel_sCos_ttab, cosq);
+    near_multiples<float>("sTan", qon_pax_kernel_sTan_ttab, tanq);
+    auto sincos = [](Q x, Q &s, Q &c) { sincosq(x, &s, &c); };
+    const acc::Sweep sweep{{}, near_half_pi_multiples<double>(), 0};
+    acc::expect_accuracy<double>("dSinCos", acc::measure_u2<double>(qon_pax_kernel_dSinCos_ttab, sincos, sweep),
+                                 acc::standard_bounds<double>());
+}
+
 // NextAfter against the neighbour found by stepping the bit pattern as an integer.
 template <class T, class Bits>
 Q next_by_bits(Q qx, Q qy) {

@@ -1,14 +1,9 @@
-// Cos: cosine, double and single precision, on the reduction and pairs of trig.hpp.
-//   double HA: paired reduction, S of 9 and C of 8 Taylor terms (truncation below 2^-62),
-//       hi + lo rounded once: measured 0.59 ulp (3e6 arguments).
-//   double LA: plain three-constant reduction (r rounded once, its error relative to the
-//       result grows where |r| is small against x), 8 and 7 terms: measured 2.17 ulp.
-//   double EP: plain reduction, 5 and 4 terms (truncation 2^-33): measured 1.0e6 ulp
-//       (2^-32 relative).
-//   single, every slot: the double EP evaluation in double lanes rounded once: measured
-//       0.502 ulp.
-// Lanes with |x| > 2^20, infinities and NaN go to the scalar routine: cosl rounded once, +-inf a
-// domain error (NaN).
+// Cos: cosine, double and single precision, on the reductions of trig.hpp, with the slots and
+// terms of Sin: by pi the cosine is (-1)^(m+1) sin r with r = x - (m + 1/2) pi, so near its
+// zeros the result keeps the relative accuracy of r. Measured (3e6 arguments per slot): double
+// HA 0.75 ulp, LA 2.48 ulp, EP 6.0e6 ulp (30 bits); single HA 0.51, LA 2.21, EP 108 ulp (17 bits).
+// Lanes with |x| > 2^20, infinities and NaN go to the scalar routine: cosl rounded once, +-inf
+// a domain error (NaN).
 #include <cmath>
 
 #include "vm/kernels/trig.hpp"
@@ -18,6 +13,8 @@ namespace {
 using namespace qon::vm::trig;
 
 struct CosKind {
+    static constexpr bool cosine = true;
+    static constexpr bool carried = false;
     template <class V>
     static V combine(V, const Reduced<V> &a, Pair<V> s, Pair<V> c) {
         V sin_x, cos_x;
@@ -29,4 +26,4 @@ struct CosKind {
 
 }  // namespace
 
-QON_VM_TRIG_KERNELS(Cos, CosKind)
+QON_VM_SINE_KERNELS(Cos, CosKind)

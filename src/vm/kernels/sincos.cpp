@@ -1,15 +1,12 @@
-// SinCos: sin x (first result) and cos x (second) from one reduction and one pair of
-// polynomials of trig.hpp; errors as in Sin and Cos:
-//   double HA: paired reduction, 9 and 8 Taylor terms: measured 0.59 ulp (3e6 arguments).
-//   double LA: plain reduction, 8 and 7 terms: measured 2.17 ulp.
-//   double EP: plain reduction, 5 and 4 terms (truncation 2^-33): measured 1.0e6 ulp
-//       (2^-32 relative).
-//   single, every slot: the double EP evaluation in double lanes, rounded once: measured
-//       0.502 ulp.
-// Lanes with |x| > 2^20, infinities and NaN go to the scalar routine: sinl and cosl rounded
-// once; +-inf is a domain error (two NaN). sin(+-0) = +-0 is kept by selecting x at zero.
+// SinCos: sin x (first result) and cos x (second) from one reduction by pi/2 and one pair of
+// polynomials of trig.hpp:
+//   double HA: paired reduction, 8 and 7 Taylor terms; LA: plain reduction, 8 and 7 terms;
+//   EP: two constants, 4 and 4 terms (truncation 2^-28); single, every slot: the double EP
+//   evaluation in double lanes, rounded once.
+// Lanes with |x| > 2^20 (and, paired, within 2^-30 of a multiple of pi/2), infinities and NaN
+// go to the scalar routine: sinl and cosl rounded once; +-inf is a domain error (two NaN).
+// sin(+-0) = +-0 is kept by selecting x at zero.
 #include <cmath>
-#include <type_traits>
 
 #include "vm/kernels/trig.hpp"
 #include "vm/kernels/vector_driver.hpp"
@@ -18,17 +15,18 @@ namespace {
 
 using namespace qon::vm::trig;
 
-template <class E, int sin_terms, int cos_terms, bool paired>
+template <class E, int sin_terms, int cos_terms, bool paired, int parts = 3>
 struct SinCos {
     using T = E;
     static constexpr int results = 2;
-    static constexpr int groups = std::is_same_v<E, double> ? 2 : 1;
+    static constexpr int groups = 4;
 
     template <class D>
     static void in_lanes(D x, D &sin_x, D &cos_x) {
-        const Reduced<D> a = reduce<paired>(x);
+        const Reduced<D> a = reduce<paired, parts>(x);
         const D z = a.r * a.r;
-        sin_cos(a, sin_pair<sin_terms, paired>(a, z).value(), cos_pair<cos_terms>(a, z).value(), sin_x, cos_x);
+        sin_cos(a, sin_pair<sin_terms, paired>(a, z).value(), cos_pair<cos_terms, paired>(a, z).value(), sin_x,
+                cos_x);
         sin_x = select(eq(x, splat<D>(0.0)), x, sin_x);
     }
     template <class V>
@@ -44,7 +42,10 @@ struct SinCos {
         }
     }
     template <bool tail, class V>
-    static Mask<V> special(V x) { return beyond(x); }
+    static Mask<V> special(V x) {
+        if constexpr (paired) return mask_or(beyond(x), near_multiple(x));
+        else return beyond(x);
+    }
     static int scalar(T x, T &sin_x, T &cos_x) {
         qon::vm::trig::scalar(x, cos_x, [](long double w) { return cosl(w); });
         return qon::vm::trig::scalar(x, sin_x, [](long double w) { return sinl(w); });
@@ -52,9 +53,9 @@ struct SinCos {
 };
 
 using SinCosLA = SinCos<double, 8, 7, false>;
-using SinCosHA = SinCos<double, 9, 8, true>;
-using SinCosEP = SinCos<double, 5, 4, false>;
-using SinCosFloat = SinCos<float, 5, 4, false>;
+using SinCosHA = SinCos<double, 8, 7, true>;
+using SinCosEP = SinCos<double, 4, 4, false, 2>;
+using SinCosFloat = SinCos<float, 4, 4, false, 2>;
 
 }  // namespace
 

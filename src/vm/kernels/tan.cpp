@@ -3,12 +3,10 @@
 // cos r: t0 = (n_hi + n_lo)*(1/d) is corrected by the residual of the pairs,
 // t = t0 + ((n_hi - t0*d_hi) + (n_lo - t0*d_lo))/d, the first difference in one fused
 // rounding, so the quotient itself adds little beyond the final rounding.
-//   double HA: paired reduction, 9 and 8 Taylor terms: measured 0.59 ulp (3e6 arguments).
-//   double LA: plain reduction, 8 and 7 terms: measured 2.51 ulp.
-//   double EP: plain reduction, 5 and 4 terms (truncation 2^-33): measured 1.4e6 ulp
-//       (2^-32 relative).
-//   single, every slot: the double EP evaluation in double lanes rounded once: measured
-//       0.502 ulp.
+//   double HA: paired reduction, the sine's -r^3/6 carried, 8 and 7 Taylor terms; LA: plain
+//   reduction, 8 and 7 terms;
+//   EP: two constants, 4 and 4 terms (truncation 2^-28); single, every slot: the double EP
+//   evaluation in double lanes, rounded once.
 // There is no exact pole in floating point: finite x never reports. Lanes with |x| > 2^20,
 // infinities and NaN go to the scalar routine: tanl rounded once, +-inf a domain error (NaN).
 // tan(+-0) = +-0 is kept by selecting x at zero.
@@ -21,6 +19,7 @@ namespace {
 using namespace qon::vm::trig;
 
 struct TanKind {
+    static constexpr bool carried = true;
     template <class V>
     static V combine(V x, const Reduced<V> &a, Pair<V> s, Pair<V> c) {
         const Mask<V> odd = quadrant_bit<0, V>(a.q);

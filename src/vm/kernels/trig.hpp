@@ -1,17 +1,23 @@
-// Shared pieces of the vector sine, cosine and tangent kernels (Sin, Cos, SinCos, Tan).
+// Shared pieces of the vector sine, cosine, sine-and-cosine and tangent kernels.
 //
-// Reduction (Cody-Waite, three parts): n = round(x*2/pi) through the 1.5*2^52 shifter, whose
-// low bits give the quadrant q = n mod 4; r = x - n*P1 - n*P2 - n*P3 with P1 and P2 of 33 bits
-// (n*P1, n*P2 exact for |n| < 2^20) and P3 the next 53 bits of pi/2. The paired form keeps the
-// rounding error of x - n*P1 - n*P2 (an exact two-sum) and of the last step in lo, so r + lo is
-// the reduced argument to about 2^-100 absolute for |x| <= 2^20, the range of the vector path.
+// Both reductions are Cody-Waite with pi/2 = C1 + C2 + C3 (three 53-bit doubles, or three
+// 24-bit floats). The first step r1 = x - N*C1 is exact: it is one fused multiply-add, and
+// for |x| >= 1 the difference is a multiple of ulp(C1) below 2, which fits the significand.
 //
-// Polynomials on |r| <= pi/4 + 2^-40, z = r^2, Taylor coefficients (-1)^k/(2k + 1)! and
-// (-1)^k/(2k)! rounded to double (no fit): sin r = r + r*z*S(z) with S of `terms` coefficients
-// (truncation (pi/4)^(2 terms + 2)/(2 terms + 3)! relative), cos r = 1 - z/2 + z^2*C(z).
-// Both are returned as unevaluated pairs (hi, lo): sin as (r, r*z*S + lo*(1 - z/2)) and cos as
-// w = 1 - z/2 with the rounding errors of z, z/2 and w and the term -r*lo carried in the low
-// part, so that a final hi + lo rounds once, and the tangent can divide the pairs.
+// By pi (Sin and Cos in every slot but double HA): m = round(x/pi - o), o = 0 for the sine and
+// 1/2 for the cosine, N = 2m + 2o, r = x - N*C1 - N*C2 [- N*C3] in [-pi/2, pi/2]; then
+// sin x = (-1)^m sin r and cos x = (-1)^(m+1) sin r, so one odd polynomial serves both:
+// sin r = r + r z S(z), z = r^2, S of `terms` Taylor coefficients (-1)^k/(2k + 1)! rounded to
+// the element type (truncation (pi/2)^(2 terms + 2)/(2 terms + 3)! relative to sin r).
+//
+// By pi/2, paired (double HA, and SinCos and Tan in every slot): n = round(2x/pi), quadrant
+// q = n mod 4, r = r1 - n*C2 rounded, lo = (r1 - r) - n*C2 - n*C3 its error: r1 - r is exact
+// (Sterbenz) when |r1| >= 2^-30 since |n*C2| < 2^-33; lanes with |x| > 1 and a smaller |r1|
+// (x within 2^-30 of a multiple of pi/2, never met by chance) go to the scalar routine.
+// sin r and cos r on |r| <= pi/4 + 2^-40 as unevaluated pairs (hi, lo): sin as (r, r z S(z) +
+// lo (1 - z/2)), whose low part is under 0.12 |r| so its rounding errors cost at most 0.3 ulp;
+// cos as w = 1 - z/2 with the rounding errors of z and w and the term -r lo carried in the low
+// part with z^2 C(z), so that hi + lo rounds once and the tangent can divide the pairs.
 #pragma once
 
 #include <qon/qon_pax.h>
@@ -27,52 +33,132 @@ namespace qon::vm::trig {
 
 using namespace qon::simd;
 
-constexpr std::uint64_t two_over_pi = 0x3FE45F306DC9C883;  // 2/pi
-constexpr std::uint64_t shifter = 0x4338000000000000;      // 1.5*2^52
-constexpr std::uint64_t pio2_1 = 0x3FF921FB54400000;       // pi/2, first 33 bits
-constexpr std::uint64_t pio2_2 = 0x3DD0B4611A600000;       // next 33 bits
-constexpr std::uint64_t pio2_3 = 0x3BA3198A2E037073;       // next 53 bits
-constexpr double vector_limit = 1048576.0;                  // 2^20: larger |x| to the scalar routine
+template <class T>
+struct Constants;
+template <>
+struct Constants<double> {
+    static constexpr std::uint64_t inv_pi = 0x3FD45F306DC9C883;       // 1/pi
+    static constexpr std::uint64_t two_over_pi = 0x3FE45F306DC9C883;  // 2/pi
+    static constexpr std::uint64_t shifter = 0x4338000000000000;      // 1.5*2^52
+    static constexpr std::uint64_t pio2_1 = 0x3FF921FB54442D18;       // pi/2 rounded
+    static constexpr std::uint64_t pio2_2 = 0x3C91A62633145C07;       // pi/2 - C1 rounded
+    static constexpr std::uint64_t pio2_3 = 0xB91F1976B7ED8FBC;       // pi/2 - C1 - C2 rounded
+    static constexpr std::uint64_t sign = 0x8000000000000000;
+};
+template <>
+struct Constants<float> {
+    static constexpr std::uint32_t inv_pi = 0x3EA2F983;
+    static constexpr std::uint32_t two_over_pi = 0x3F22F983;
+    static constexpr std::uint32_t shifter = 0x4B400000;  // 1.5*2^23
+    static constexpr std::uint32_t pio2_1 = 0x3FC90FDB;
+    static constexpr std::uint32_t pio2_2 = 0xB33BBD2E;
+    static constexpr std::uint32_t pio2_3 = 0xA6F72CED;
+    static constexpr std::uint32_t sign = 0x80000000;
+};
 
-constexpr double factorial(int k) { return k <= 1 ? 1.0 : k * factorial(k - 1); }
+// Larger |x| goes to the scalar routine: 2^20 keeps |N| below 2^21 in both types.
+constexpr double vector_limit = 1048576.0;
 
-// Taylor coefficient of degree d of sin (d odd) or cos (d even), the sign of z^(d/2) included:
-// (-1)^(d/2) / d!, a compile-time constant.
+template <class V>
+using C = Constants<Elem<V>>;
+
+constexpr double factorial(int d) { return d <= 1 ? 1.0 : d * factorial(d - 1); }
+
+// Taylor coefficient of degree d of sin (d odd) or cos (d even), the sign of z^(d/2) included.
 template <int d>
 inline constexpr double coefficient = ((d / 2) % 2 == 0 ? 1.0 : -1.0) / factorial(d);
 
-// Horner over the coefficients of degrees first, first + 2, ..., first + 2(terms - 1) in z.
+// Horner over the coefficients of degrees first, first + 2 * step, ... (`terms` of them) in w.
+template <int terms, int first, int step, class V>
+V horner_of(V w) {
+    const V c = splat<V>(static_cast<Elem<V>>(coefficient<first>));
+    if constexpr (terms == 1) return c;
+    else return mul_add(horner_of<terms - 1, first + 2 * step, step>(w), w, c);
+}
+
+// The polynomial in z over the coefficients of degrees first, first + 2, ..., first +
+// 2(terms - 1), as its even and odd parts in z^2 (two Horner chains of half the length, so
+// the latency is about halved for one more multiplication).
 template <int terms, int first, class V>
 V taylor(V z) {
-    if constexpr (terms == 1) return splat<V>(coefficient<first>);
-    else return mul_add(taylor<terms - 1, first + 2>(z), z, splat<V>(coefficient<first>));
+    if constexpr (terms <= 3) {
+        return horner_of<terms, first, 1>(z);
+    } else {
+        const V z2 = z * z;
+        const V even = horner_of<(terms + 1) / 2, first, 2>(z2);
+        const V odd = horner_of<terms / 2, first + 2, 2>(z2);
+        return mul_add(odd, z, even);
+    }
 }
 
 template <class V>
 struct Reduced {
     V r, lo;
-    Ints<V> q;  // quadrant in the low two bits
+    Ints<V> q;  // by pi: m in the low bit; by pi/2: the quadrant in the low two bits
 };
 
-// The reduced argument of |x| <= 2^20; lo is zero unless paired.
-template <bool paired, class V>
+// ---- by pi -----------------------------------------------------------------------------------
+
+// sin x (cosine false) or cos x (cosine true) for |x| <= 2^20, with `parts` constants of pi/2.
+template <bool cosine, int terms, int parts, class V>
+V sine_by_pi(V x) {
+    using E = Elem<V>;
+    const V shifter = constant<V>(C<V>::shifter);
+    const V y = cosine ? mul_add(x, constant<V>(C<V>::inv_pi), splat<V>(E(-0.5))) + shifter
+                       : mul_add(x, constant<V>(C<V>::inv_pi), shifter);
+    const V m = y - shifter;
+    const V n = cosine ? mul_add(m, splat<V>(E(2)), splat<V>(E(1))) : m + m;
+    V r = neg_mul_add(n, constant<V>(C<V>::pio2_1), x);
+    r = neg_mul_add(n, constant<V>(C<V>::pio2_2), r);
+    if constexpr (parts == 3) r = neg_mul_add(n, constant<V>(C<V>::pio2_3), r);
+    const V z = r * r;
+    // A truncated series ending in a positive term overshoots 1 near r = +-pi/2; the clamp
+    // keeps |sin r| <= 1 (cos 0 = 1 exactly) at the cost of two comparisons.
+    const V one = splat<V>(E(1));
+    const V s = max(min(mul_add(r * z, taylor<terms, 3>(z), r), one), splat<V>(E(-1)));
+    // (-1)^m for the sine, (-1)^(m+1) for the cosine, from the low bit of m in y.
+    const Ints<V> flip = cosine ? shl<sizeof(E) * 8 - 1>(bits(y)) ^ splat_q<V>(Constants<E>::sign)
+                                : shl<sizeof(E) * 8 - 1>(bits(y));
+    const V v = from_bits(bits(s) ^ flip);
+    if constexpr (cosine) return v;
+    else return select(eq(x, splat<V>(E(0))), x, v);  // sin(-0) = -0
+}
+
+// ---- by pi/2 ---------------------------------------------------------------------------------
+
+// n = round(2x/pi) in y's low bits and r1 = x - n*C1, exactly.
+template <class V>
+void first_step(V x, V &y, V &n, V &r1) {
+    const V shifter = constant<V>(C<V>::shifter);
+    y = mul_add(x, constant<V>(C<V>::two_over_pi), shifter);
+    n = y - shifter;
+    r1 = neg_mul_add(n, constant<V>(C<V>::pio2_1), x);
+}
+
+// The reduced argument of |x| <= 2^20; lo is zero unless paired; plain forms subtract C3 when
+// `parts` is 3.
+template <bool paired, int parts, class V>
 Reduced<V> reduce(V x) {
-    const V y = mul_add(x, constant<V>(two_over_pi), constant<V>(shifter));
-    const V n = y - constant<V>(shifter);
-    const V r1 = neg_mul_add(n, constant<V>(pio2_1), x);  // exact
-    if constexpr (!paired) {
-        const V r2 = neg_mul_add(n, constant<V>(pio2_2), r1);
-        return {neg_mul_add(n, constant<V>(pio2_3), r2), splat<V>(0.0), bits(y)};
+    V y, n, r1;
+    first_step(x, y, n, r1);
+    const V r = neg_mul_add(n, constant<V>(C<V>::pio2_2), r1);
+    if constexpr (paired) {
+        const V lo = neg_mul_add(n, constant<V>(C<V>::pio2_2), r1 - r);
+        return {r, neg_mul_add(n, constant<V>(C<V>::pio2_3), lo), bits(y)};
+    } else if constexpr (parts == 3) {
+        return {neg_mul_add(n, constant<V>(C<V>::pio2_3), r), splat<V>(Elem<V>(0)), bits(y)};
     } else {
-        const V w = n * constant<V>(pio2_2);  // exact
-        const V r2 = r1 - w;
-        const V b = r2 - r1;
-        const V e2 = (r1 - (r2 - b)) - (w + b);  // two-sum error of r1 - w
-        const V p3 = n * constant<V>(pio2_3);
-        const V r = r2 - p3;
-        const V lo = ((r2 - r) - p3) + e2;
-        return {r, lo, bits(y)};
+        return {r, splat<V>(Elem<V>(0)), bits(y)};
     }
+}
+
+// Lanes the paired reduction cannot carry: |x| > 1 within 2^-30 of a multiple of pi/2.
+template <class V>
+Mask<V> near_multiple(V x) {
+    V y, n, r1;
+    first_step(x, y, n, r1);
+    using E = Elem<V>;
+    return mask_and(gt(abs(x), splat<V>(E(1))), lt(abs(r1), splat<V>(E(0x1p-30))));
 }
 
 template <class V>
@@ -81,38 +167,44 @@ struct Pair {
     V value() const { return hi + lo; }
 };
 
-// In the paired form the leading term -r^3/6 is carried exactly enough: r^3 = r*z with the
+// With `carried` the leading term -r^3/6 is carried exactly enough as well: r^3 = r*z with the
 // fma errors of z and of r*z, -1/6 as two doubles, r + (-r^3/6) as an exact fast two-sum
-// (|r^3/6| < |r|), so the last rounding of hi + lo is the only one of weight 2^-53.
+// (|r^3/6| < |r|), for the tangent, whose division would otherwise double the error of the
+// sine's low part.
 constexpr std::uint64_t minus_sixth_hi = 0xBFC5555555555555;
 constexpr std::uint64_t minus_sixth_lo = 0xBC65555555555555;
 
-template <int terms, bool paired, class V>
+template <int terms, bool paired, bool carried = false, class V>
 Pair<V> sin_pair(const Reduced<V> &a, V z) {
-    const V lo_term = a.lo * neg_mul_add(splat<V>(0.5), z, splat<V>(1.0));
-    const V r3 = a.r * z;
-    if constexpr (!paired) {
-        return {a.r, mul_add(r3, taylor<terms, 3>(z), lo_term)};
+    const V rz = a.r * z;
+    if constexpr (!paired) return {a.r, rz * taylor<terms, 3>(z)};
+    const V lo_term = neg_mul_add(a.lo, splat<V>(0.5) * z, a.lo);
+    if constexpr (!carried) {
+        return {a.r, mul_add(rz, taylor<terms, 3>(z), lo_term)};
     } else {
-        const V r3_err = mul_add(a.r, mul_sub(a.r, a.r, z), mul_sub(a.r, z, r3));
-        const V p = r3 * constant<V>(minus_sixth_hi);
-        const V p_err = mul_sub(r3, constant<V>(minus_sixth_hi), p);
-        const V small = mul_add(r3_err, constant<V>(minus_sixth_hi), mul_add(r3, constant<V>(minus_sixth_lo), p_err));
-        const V rest = mul_add(r3 * z, taylor<terms - 1, 5>(z), small + lo_term);
+        const V rz_err = mul_add(a.r, mul_sub(a.r, a.r, z), mul_sub(a.r, z, rz));
+        const V p = rz * constant<V>(minus_sixth_hi);
+        const V p_err = mul_sub(rz, constant<V>(minus_sixth_hi), p);
+        const V small = mul_add(rz_err, constant<V>(minus_sixth_hi), mul_add(rz, constant<V>(minus_sixth_lo), p_err));
+        const V rest = mul_add(rz * z, taylor<terms - 1, 5>(z), small + lo_term);
         const V hi = a.r + p;
         return {hi, ((a.r - hi) + p) + rest};
     }
 }
 
-template <int terms, class V>
+template <int terms, bool paired, class V>
 Pair<V> cos_pair(const Reduced<V> &a, V z) {
-    const V one = splat<V>(1.0);
-    const V hz = splat<V>(0.5) * z;
-    const V w = one - hz;
-    const V z_err = mul_sub(a.r, a.r, z);  // r^2 - z, exact
-    const V rounding = neg_mul_add(splat<V>(0.5), z_err, (one - w) - hz);
-    const V tail = mul_add(z * z, taylor<terms, 4>(z), neg_mul_add(a.r, a.lo, rounding));
-    return {w, tail};
+    const V one = splat<V>(Elem<V>(1));
+    if constexpr (!paired) {
+        return {mul_add(z, taylor<terms + 1, 2>(z), one), splat<V>(Elem<V>(0))};
+    } else {
+        const V hz = splat<V>(0.5) * z;
+        const V w = one - hz;
+        const V z_err = mul_sub(a.r, a.r, z);  // r^2 - z, exact
+        const V rounding = neg_mul_add(splat<V>(0.5), z_err, (one - w) - hz);
+        const V tail = mul_add(z * z, taylor<terms, 4>(z), neg_mul_add(a.r, a.lo, rounding));
+        return {w, tail};
+    }
 }
 
 // Lanes whose quadrant has bit `b` set, as a mask.
@@ -148,24 +240,24 @@ int scalar(T x, T &r, F f) {
     return std::isinf(x) ? PAX_STATUS_ERRDOM : PAX_STATUS_OK;
 }
 
-// The method of a one-result function: Kind::combine(x, a, s, c) picks the result from the
-// reduced argument and the pairs; Kind::f is its long-double function. Single precision runs
-// the same in double lanes and rounds once.
-template <class Kind, class E, int sin_terms, int cos_terms, bool paired>
-struct Method {
-    using T = E;
-    static constexpr int groups = std::is_same_v<E, double> ? 2 : 1;
+// Applies `f` (a template over the lane type) in the element type's own lanes, or, for single
+// precision with `wide`, in double lanes rounded once.
+template <bool wide, class V, class F>
+V lanes_of(V x, F f) {
+    if constexpr (wide && std::is_same_v<Elem<V>, float>) return in_double(x, f);
+    else return f(x);
+}
 
-    template <class D>
-    static D in_lanes(D x) {
-        const Reduced<D> a = reduce<paired>(x);
-        const D z = a.r * a.r;
-        return Kind::combine(x, a, sin_pair<sin_terms, paired>(a, z), cos_pair<cos_terms>(a, z));
-    }
+// Sine or cosine by pi (Kind::cosine), `terms` coefficients, `parts` constants; `wide` runs
+// single precision in double lanes.
+template <class Kind, class E, int terms, int parts, bool wide = false>
+struct ByPi {
+    using T = E;
+    static constexpr int groups = std::is_same_v<E, double> || wide ? 4 : 2;
+
     template <class V>
     static V eval(V x) {
-        if constexpr (std::is_same_v<Elem<V>, double>) return in_lanes(x);
-        else return in_double(x, [](auto d) { return in_lanes(d); });
+        return lanes_of<wide>(x, [](auto d) { return sine_by_pi<Kind::cosine, terms, parts>(d); });
     }
     template <bool tail, class V>
     static Mask<V> special(V x) { return beyond(x); }
@@ -174,22 +266,69 @@ struct Method {
     }
 };
 
-// Terms per slot: double LA plain reduction, 8 and 7 terms (truncation 2^-59); HA paired, 9 and
-// 8 (2^-62); EP plain, 5 and 4 (2^-33); single, every slot, the double EP terms in double lanes.
+// A one-result function by pi/2: Kind::combine(x, a, s, c) picks the result from the reduced
+// argument and the pairs; Kind::carried asks for the carried sine pair in HA. Single precision runs in double lanes and rounds once.
+template <class Kind, class E, int sin_terms, int cos_terms, bool paired, int parts = 3>
+struct ByHalfPi {
+    static constexpr bool carried = paired && Kind::carried;
+    using T = E;
+    static constexpr int groups = 4;
+
+    template <class D>
+    static D in_lanes(D x) {
+        const Reduced<D> a = reduce<paired, parts>(x);
+        const D z = a.r * a.r;
+        return Kind::combine(x, a, sin_pair<sin_terms, paired, carried>(a, z), cos_pair<cos_terms, paired>(a, z));
+    }
+    template <class V>
+    static V eval(V x) {
+        return lanes_of<true>(x, [](auto d) { return in_lanes(d); });
+    }
+    template <bool tail, class V>
+    static Mask<V> special(V x) {
+        if constexpr (paired) return mask_or(beyond(x), near_multiple(x));
+        else return beyond(x);
+    }
+    static int scalar(T x, T &r) {
+        return trig::scalar(x, r, [](long double w) { return Kind::f(w); });
+    }
+};
+
+// Terms by pi/2 (|r| <= pi/4): double HA paired, S 8 and C 7 (truncation 2^-63); LA 8 and 7; EP and single precision (in double lanes) 4 and 4, two constants (2^-28).
 template <class Kind>
-using DoubleLA = Method<Kind, double, 8, 7, false>;
+using HalfPiHA = ByHalfPi<Kind, double, 8, 7, true>;
 template <class Kind>
-using DoubleHA = Method<Kind, double, 9, 8, true>;
+using HalfPiLA = ByHalfPi<Kind, double, 8, 7, false>;
 template <class Kind>
-using DoubleEP = Method<Kind, double, 5, 4, false>;
+using HalfPiEP = ByHalfPi<Kind, double, 4, 4, false, 2>;
 template <class Kind>
-using Single = Method<Kind, float, 5, 4, false>;
+using HalfPiSingle = ByHalfPi<Kind, float, 4, 4, false, 2>;
+
+// Terms by pi (|r| <= pi/2): double LA 10 (truncation 2^-59.5), EP 6 with two constants (2^-30);
+// single HA in double lanes 6 with two double constants, LA 6 and EP 4 in float (2^-18).
+template <class Kind>
+using ByPiLA = ByPi<Kind, double, 10, 3>;
+template <class Kind>
+using ByPiEP = ByPi<Kind, double, 6, 2>;
+template <class Kind>
+using ByPiSingleHA = ByPi<Kind, float, 6, 2, true>;
+template <class Kind>
+using ByPiSingleLA = ByPi<Kind, float, 6, 3>;
+template <class Kind>
+using ByPiSingleEP = ByPi<Kind, float, 4, 3>;
 
 }  // namespace qon::vm::trig
 
-// The six kernels of each element type of a one-result trigonometric function.
+// The six kernels of the sine or the cosine.
+#define QON_VM_SINE_KERNELS(F, Kind)                                                                        \
+    QON_VM_VECTOR_KERNELS(d, F, double, qon::vm::trig::ByPiLA<Kind>, qon::vm::trig::HalfPiHA<Kind>,         \
+                          qon::vm::trig::ByPiEP<Kind>)                                                      \
+    QON_VM_VECTOR_KERNELS(s, F, float, qon::vm::trig::ByPiSingleLA<Kind>, qon::vm::trig::ByPiSingleHA<Kind>, \
+                          qon::vm::trig::ByPiSingleEP<Kind>)
+
+// The six kernels of a one-result function by pi/2 alone (the tangent).
 #define QON_VM_TRIG_KERNELS(F, Kind)                                                                        \
-    QON_VM_VECTOR_KERNELS(d, F, double, qon::vm::trig::DoubleLA<Kind>, qon::vm::trig::DoubleHA<Kind>,       \
-                          qon::vm::trig::DoubleEP<Kind>)                                                    \
-    QON_VM_VECTOR_KERNELS(s, F, float, qon::vm::trig::Single<Kind>, qon::vm::trig::Single<Kind>,            \
-                          qon::vm::trig::Single<Kind>)
+    QON_VM_VECTOR_KERNELS(d, F, double, qon::vm::trig::HalfPiLA<Kind>, qon::vm::trig::HalfPiHA<Kind>,       \
+                          qon::vm::trig::HalfPiEP<Kind>)                                                    \
+    QON_VM_VECTOR_KERNELS(s, F, float, qon::vm::trig::HalfPiSingle<Kind>, qon::vm::trig::HalfPiSingle<Kind>, \
+                          qon::vm::trig::HalfPiSingle<Kind>)
