@@ -1,5 +1,6 @@
 // Sin: sine, double and single precision, on the reductions of trig.hpp.
-//   double HA: by pi/2, paired, S of 8 and C of 7 Taylor terms, hi + lo rounded once.
+//   double HA: by pi/2, paired, one polynomial per lane (S or C, 8 Taylor terms each), hi + lo
+//       rounded once.
 //   double LA: by pi, three constants, 10 terms.
 //   double EP: by pi, two constants, 6 terms (truncation 2^-30).
 //   single HA: by pi in double lanes, 6 terms, rounded once; LA: in float lanes, three

@@ -11,9 +11,10 @@
 // the element type (truncation (pi/2)^(2 terms + 2)/(2 terms + 3)! relative to sin r).
 //
 // By pi/2, paired (double HA, and SinCos and Tan in every slot): n = round(2x/pi), quadrant
-// q = n mod 4, r = r1 - n*C2 rounded, lo = (r1 - r) - n*C2 - n*C3 its error: r1 - r is exact
+// q = n mod 4, r = r1 - n*C2 rounded, lo = (r1 - r) - n*C2 its error: r1 - r is exact
 // (Sterbenz) when |r1| >= 2^-30 since |n*C2| < 2^-33; lanes with |x| > 1 and a smaller |r1|
-// (x within 2^-30 of a multiple of pi/2, never met by chance) go to the scalar routine.
+// (x within 2^-30 of a multiple of pi/2, never met by chance) go to the scalar routine, so
+// |r| > 2^-31 and the omitted n*C3 < 2^-88 is below 2^-57 |r|.
 // sin r and cos r on |r| <= pi/4 + 2^-40 as unevaluated pairs (hi, lo): sin as (r, r z S(z) +
 // lo (1 - z/2)), whose low part is under 0.12 |r| so its rounding errors cost at most 0.3 ulp;
 // cos as w = 1 - z/2 with the rounding errors of z and w and the term -r lo carried in the low
@@ -143,8 +144,7 @@ Reduced<V> reduce(V x) {
     first_step(x, y, n, r1);
     const V r = neg_mul_add(n, constant<V>(C<V>::pio2_2), r1);
     if constexpr (paired) {
-        const V lo = neg_mul_add(n, constant<V>(C<V>::pio2_2), r1 - r);
-        return {r, neg_mul_add(n, constant<V>(C<V>::pio2_3), lo), bits(y)};
+        return {r, neg_mul_add(n, constant<V>(C<V>::pio2_2), r1 - r), bits(y)};
     } else if constexpr (parts == 3) {
         return {neg_mul_add(n, constant<V>(C<V>::pio2_3), r), splat<V>(Elem<V>(0)), bits(y)};
     } else {
@@ -226,6 +226,36 @@ void sin_cos(const Reduced<V> &a, V s, V c, V &sin_x, V &cos_x) {
     cos_x = flip_by(select(odd, s, c), a.q + splat_q<V>(1));
 }
 
+// The polynomial of sin r (coefficients of degrees 3, 5, ...) in lanes where `odd` is clear
+// and of cos r (degrees 4, 6, ...) where it is set, from coefficient j on, every `step`-th.
+template <int terms, int j, int step, class V>
+V blended(Mask<V> odd, V w) {
+    const V c = select(odd, splat<V>(coefficient<4 + 2 * j>), splat<V>(coefficient<3 + 2 * j>));
+    if constexpr (j + step >= terms) return c;
+    else return mul_add(blended<terms, j + step, step>(odd, w), w, c);
+}
+
+// Double HA sine or cosine by pi/2 with one polynomial per lane: lanes that need sin r
+// compute r + (r z S(z) + lo (1 - z/2)), lanes that need cos r compute w + (z^2 C(z) + e),
+// w = 1 - z/2 and e the rounding errors of z and w and -r lo, the coefficients of S or C
+// selected per lane, `terms` of each (Taylor, degrees up to 2 terms + 1 and 2 terms + 2).
+template <bool cosine, int terms, class V>
+V sine_by_half_pi(V x) {
+    const Reduced<V> a = reduce<true, 3>(x);
+    const Ints<V> q = cosine ? a.q + splat_q<V>(1) : a.q;  // cos x = sin(x + pi/2)
+    const Mask<V> odd = quadrant_bit<0, V>(q);
+    const V one = splat<V>(1.0), half = splat<V>(0.5);
+    const V z = a.r * a.r, hz = half * z, z2 = z * z;
+    const V w = one - hz;
+    const V cos_e = neg_mul_add(a.r, a.lo, neg_mul_add(half, mul_sub(a.r, a.r, z), (one - w) - hz));
+    const V sin_e = neg_mul_add(a.lo, hz, a.lo);
+    const V p = mul_add(blended<terms, 1, 2>(odd, z2), z, blended<terms, 0, 2>(odd, z2));
+    const V v = select(odd, w, a.r) + mul_add(select(odd, z2, a.r * z), p, select(odd, cos_e, sin_e));
+    const V s = flip_by(v, q);
+    if constexpr (cosine) return s;
+    else return select(eq(x, splat<V>(0.0)), x, s);
+}
+
 // Lanes beyond the vector range, infinities and NaN go to the scalar routine.
 template <class V>
 Mask<V> beyond(V x) {
@@ -261,6 +291,21 @@ struct ByPi {
     }
     template <bool tail, class V>
     static Mask<V> special(V x) { return beyond(x); }
+    static int scalar(T x, T &r) {
+        return trig::scalar(x, r, [](long double w) { return Kind::f(w); });
+    }
+};
+
+// Double HA sine or cosine (Kind::cosine) by pi/2 with one polynomial per lane.
+template <class Kind, int terms>
+struct ByHalfPiBlended {
+    using T = double;
+    static constexpr int groups = 4;
+
+    template <class V>
+    static V eval(V x) { return sine_by_half_pi<Kind::cosine, terms>(x); }
+    template <bool tail, class V>
+    static Mask<V> special(V x) { return mask_or(beyond(x), near_multiple(x)); }
     static int scalar(T x, T &r) {
         return trig::scalar(x, r, [](long double w) { return Kind::f(w); });
     }
@@ -304,6 +349,10 @@ using HalfPiEP = ByHalfPi<Kind, double, 4, 4, false, 2>;
 template <class Kind>
 using HalfPiSingle = ByHalfPi<Kind, float, 4, 4, false, 2>;
 
+// Double HA sine and cosine: 8 terms of each (truncation 2^-63 and 2^-65).
+template <class Kind>
+using BlendedHA = ByHalfPiBlended<Kind, 8>;
+
 // Terms by pi (|r| <= pi/2): double LA 10 (truncation 2^-59.5), EP 6 with two constants (2^-30);
 // single HA in double lanes 6 with two double constants, LA 6 and EP 4 in float (2^-18).
 template <class Kind>
@@ -321,7 +370,7 @@ using ByPiSingleEP = ByPi<Kind, float, 4, 3>;
 
 // The six kernels of the sine or the cosine.
 #define QON_VM_SINE_KERNELS(F, Kind)                                                                        \
-    QON_VM_VECTOR_KERNELS(d, F, double, qon::vm::trig::ByPiLA<Kind>, qon::vm::trig::HalfPiHA<Kind>,         \
+    QON_VM_VECTOR_KERNELS(d, F, double, qon::vm::trig::ByPiLA<Kind>, qon::vm::trig::BlendedHA<Kind>,        \
                           qon::vm::trig::ByPiEP<Kind>)                                                      \
     QON_VM_VECTOR_KERNELS(s, F, float, qon::vm::trig::ByPiSingleLA<Kind>, qon::vm::trig::ByPiSingleHA<Kind>, \
                           qon::vm::trig::ByPiSingleEP<Kind>)
