@@ -68,7 +68,7 @@ void check(const char *name, qon_pax_kernel_fn const (&table)[3], std::vector<st
     acc::Sweep sweep{{acc::uniform(0.9, 1.1), acc::uniform(0.999, 1.001)}, std::move(special), acc::sample_count(20000)};
     const acc::Slots slots = acc::measure_u<T>(table, [](Q x) { return logq(x); }, sweep);
     acc::expect_accuracy<T>(name, slots);
-    EXPECT_LE(slots[1].max_ulp, 0.55) << name << " HA at " << slots[1].worst_x;
+    EXPECT_LE(slots[1].max_ulp, 0.6) << name << " HA at " << slots[1].worst_x;
 }
 
 TEST(LnAccuracy, IntervalBoundariesAndNextToOne) {

@@ -11,10 +11,11 @@
 //              is exact (both multiples of 2^-42), K + r is split exactly (Fast2Sum: the exponent
 //              of logc_hi is at least that of r), and k L2 + logc_lo + the low part + r^2 q(r)
 //              is added last: the final rounding dominates. Measured 0.533 ulp.
-//   double LA  the same with n = 13 and K + r rounded (no low part): measured 1.5 ulp.
-//   double EP  N = 4 (|r| <= 0.12, <= 1/12 near 1), n = 9, K = k ln2 + RN(-ln c_j) in one fused
-//              multiply-add and ln x = r P(r) + K: truncation 2^-31 relative; measured
-//              4.92e6 ulp (2^-29.8 relative, 29 correct bits).
+//   double LA, EP  N = 4 (|r| <= 0.12, <= 1/12 near 1), K = k ln2 + RN(-ln c_j) in one fused
+//              multiply-add and ln x = r P(r) + K with P(r) = log1p(r)/r; LA n = 16 (truncation
+//              2^-56 absolute where |ln x| >= 0.08, 2^-54 relative near 1; the roundings of K
+//              and of r P + K dominate): measured 2.05 ulp; EP n = 9 (truncation 2^-31
+//              relative): measured 4.92e6 ulp (2^-29.8 relative, 29 correct bits).
 //   single HA  N = 8 in float lanes, n = 7 (truncation 2^-36 absolute where |ln x| >= 0.04), the
 //              HA scheme with L1 and logc_hi multiples of 2^-16 (k L1 + logc_hi exact for
 //              |k| <= 150): measured 0.538 ulp.
@@ -134,23 +135,22 @@ template <Precision P, class V>
 [[gnu::always_inline]] inline V log_core(V x, Elem<V> shift = 0) {
     using T = Elem<V>;
     constexpr bool single = std::is_same_v<T, float>;
-    if constexpr (P == Precision::EP && !single) {
+    if constexpr (P != Precision::HA && !single) {
         const auto [k, r, j] = reduce<Set4>(x, shift);
         const V K = mul_add(k, constant<V>(Format<double>::ln2), permute_table<4>(tab::logc4, j));
-        return mul_add(r, log1p_series<1, 9>(r), K);
+        return mul_add(r, log1p_series<1, P == Precision::LA ? 16 : 9>(r), K);
     } else if constexpr (P != Precision::HA && single) {
         const auto [k, r, j] = reduce<Set8<T>>(x, shift);
         const V K = mul_add(k, constant<V>(Format<float>::ln2), permute_table<8>(tab::logc8_f, j));
         return mul_add(r, log1p_series<1, P == Precision::LA ? 6 : 3>(r), K);
     } else {
-        // K = k L1 + logc_hi is exact; in HA K + r is split exactly (Fast2Sum).
+        // K = k L1 + logc_hi is exact and K + r is split exactly (Fast2Sum).
         const auto [k, r, j] = reduce<Set8<T>>(x, shift);
-        constexpr int n = single ? 7 : P == Precision::HA ? 14 : 13;
+        constexpr int n = single ? 7 : 14;
         const V K = mul_add(k, constant<V>(Format<T>::ln2_hi), permute_table<8>(Set8<T>::logc_hi, j));
         const V hi = K + r;
-        V small = mul_add(k, constant<V>(Format<T>::ln2_lo), permute_table<8>(Set8<T>::logc_lo, j));
-        if constexpr (P == Precision::HA) small = small + ((K - hi) + r);
-        return hi + mul_add(r * r, log1p_series<2, n>(r), small);
+        const V small = mul_add(k, constant<V>(Format<T>::ln2_lo), permute_table<8>(Set8<T>::logc_lo, j));
+        return hi + mul_add(r * r, log1p_series<2, n>(r), small + ((K - hi) + r));
     }
 }
 
