@@ -2,6 +2,8 @@
 // tables: C99 Annex F / IEEE 754 values and the statuses a user expects (1 domain, 2
 // singularity, 3 overflow, 4 underflow), checked through an error call-back that also sees
 // the reporting function's name.
+#include "common/error_recorder.hpp"
+
 #include <gtest/gtest.h>
 #include <qon/qon_pax.h>
 
@@ -13,34 +15,9 @@
 
 namespace {
 
-struct Seen {
-    int count = 0;
-    int code = 0;
-    int index = -1;
-    std::string name;
-};
-Seen seen;
+qon::test::SeenError &seen = qon::test::seen_error;
 
-int record(PaxErrorContext *c) {
-    ++seen.count;
-    seen.code = c->code;
-    seen.index = c->index;
-    seen.name.assign(c->function_name, static_cast<std::size_t>(c->function_name_length));
-    return 0;
-}
-
-class ElementaryStatus : public testing::Test {
-protected:
-    void SetUp() override {
-        saved_ = paxSetErrorCallBack(record);
-        paxClearErrStatus();
-    }
-    void TearDown() override {
-        paxSetErrorCallBack(saved_);
-        paxClearErrStatus();
-    }
-    PaxErrorCallBack saved_ = nullptr;
-};
+class ElementaryStatus : public qon::test::RecordingErrors {};
 
 using Table = qon_pax_kernel_fn const (*)[3];
 constexpr bool no_value = false;
@@ -76,7 +53,7 @@ void expect_report(const char *name, int slot, T x, T y, int status, const char 
 // result must be a subnormal or zero) and its report.
 template <class T, class Call>
 void check_call(const char *name, int slot, T x, T y, T want, int status, Call call, bool check_value = true) {
-    seen = Seen{};
+    seen = qon::test::SeenError{};
     T r = 0;
     call(r);
     if (check_value) EXPECT_TRUE(same(r, want)) << describe(name, slot, x, y) << " gave " << r;
@@ -335,7 +312,7 @@ void run_two_results() {
     };
     for (const auto &c : cases) {
         for (int slot = 0; slot < 3; ++slot) {
-            seen = Seen{};
+            seen = qon::test::SeenError{};
             T r1 = 0, r2 = 0;
             reinterpret_cast<void (*)(int, const T *, T *, T *)>((*c.table)[slot])(1, &c.x, &r1, &r2);
             EXPECT_TRUE(same(r1, c.want1) && same(r2, c.want2))
@@ -354,7 +331,7 @@ TEST_F(ElementaryStatus, TwoResultFunctions) {
 TEST_F(ElementaryStatus, StridedCallsReportTheElementIndexAndStridedName) {
     const double x[6] = {1, 0, 2, 0, -1, 0};
     double r[3];
-    seen = Seen{};
+    seen = qon::test::SeenError{};
     paxdLnI(3, x, 2, r, 1);
     EXPECT_EQ(seen.count, 1);
     EXPECT_EQ(seen.code, PAX_STATUS_ERRDOM);

@@ -2,6 +2,8 @@
 // (C99 Annex F values where it gives them; 1 domain, 2 singularity, 3 overflow, 4 underflow),
 // seen through an error call-back; in-place calls with a call-back that replaces results;
 // strided forms against the contiguous ones; n <= 0.
+#include "common/error_recorder.hpp"
+
 #include <gtest/gtest.h>
 #include <qon/qon_pax.h>
 
@@ -15,33 +17,9 @@ namespace {
 
 using Table = qon_pax_kernel_fn const (*)[3];
 
-struct Seen {
-    int count = 0, code = 0, index = -1;
-    std::string name;
-};
-Seen seen;
+qon::test::SeenError &seen = qon::test::seen_error;
 
-int record(PaxErrorContext *c) {
-    ++seen.count;
-    seen.code = c->code;
-    seen.index = c->index;
-    seen.name.assign(c->function_name, static_cast<std::size_t>(c->function_name_length));
-    return 0;
-}
-
-class SpecialStatus : public testing::Test {
-protected:
-    void SetUp() override {
-        saved_ = paxSetErrorCallBack(record);
-        paxClearErrStatus();
-        seen = Seen{};
-    }
-    void TearDown() override {
-        paxSetErrorCallBack(saved_);
-        paxClearErrStatus();
-    }
-    PaxErrorCallBack saved_ = nullptr;
-};
+class SpecialStatus : public qon::test::RecordingErrors {};
 
 constexpr double inf = std::numeric_limits<double>::infinity();
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
@@ -129,7 +107,7 @@ void check(const Case &c, Table table) {
     for (int slot = 0; slot < 3; ++slot) {
         std::string where = std::string(sizeof(T) == 4 ? "s" : "d") + c.name + " slot " + std::to_string(slot) +
                             " nu " + std::to_string(c.nu) + " x " + std::to_string(c.x);
-        seen = Seen{};
+        seen = qon::test::SeenError{};
         T x = static_cast<T>(c.x), r = T(-7);
         if (std::string(c.name) == "Jn" || std::string(c.name) == "Yn")
             reinterpret_cast<void (*)(int, const T *, int, T *)>((*table)[slot])(1, &x, c.nu, &r);
@@ -195,7 +173,7 @@ void expect_erfinv_lanes(Table table) {
                 std::vector<T> a(n), r(n, T(-7));
                 for (int i = 0; i < n; ++i) a[i] = ordinary[(i * 5 + k) % 8];
                 a[k] = k % 2 == 0 ? T(-1) : T(1.5);
-                seen = Seen{};
+                seen = qon::test::SeenError{};
                 kernel(n, a.data(), r.data());
                 EXPECT_EQ(seen.count, 1);
                 EXPECT_EQ(seen.index, k);
@@ -227,15 +205,15 @@ void expect_strided_like_contiguous(Table contiguous, Table strided, const char 
     for (int slot = 0; slot < 3; ++slot) {
         std::vector<T> a(n * inca, T(99)), r(n * incr, T(-5)), want(n);
         for (int i = 0; i < n; ++i) a[i * inca] = args[i];
-        seen = Seen{};
+        seen = qon::test::SeenError{};
         if (order) {
             reinterpret_cast<void (*)(int, const T *, int, T *)>((*contiguous)[slot])(n, args.data(), 3, want.data());
-            seen = Seen{};
+            seen = qon::test::SeenError{};
             reinterpret_cast<void (*)(int, const T *, int, int, T *, int)>((*strided)[slot])(n, a.data(), inca, 3,
                                                                                              r.data(), incr);
         } else {
             reinterpret_cast<void (*)(int, const T *, T *)>((*contiguous)[slot])(n, args.data(), want.data());
-            seen = Seen{};
+            seen = qon::test::SeenError{};
             reinterpret_cast<void (*)(int, const T *, int, T *, int)>((*strided)[slot])(n, a.data(), inca, r.data(),
                                                                                         incr);
         }
@@ -263,7 +241,7 @@ TEST_F(SpecialStatus, StridedFormsMatchContiguous) {
     STRIDED(float, s, Jn, true);
     // The offending element's index: the second element (-1) of ErfInv.
     std::vector<double> a = {0.5, 0, -1, 0}, r(4, 0);
-    seen = Seen{};
+    seen = qon::test::SeenError{};
     paxdErfInvI(2, a.data(), 2, r.data(), 2);
     EXPECT_EQ(seen.count, 1);
     EXPECT_EQ(seen.index, 1);
