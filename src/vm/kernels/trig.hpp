@@ -215,7 +215,7 @@ Mask<V> quadrant_bit(Ints<V> q) {
 // v with its sign flipped where bit 1 of q is set.
 template <class V>
 V flip_by(V v, Ints<V> q) {
-    return from_bits(bits(v) ^ shl<63>(shr<1>(q) & splat_q<V>(1)));
+    return from_bits(bits(v) ^ shl<sizeof(Elem<V>) * 8 - 1>(shr<1>(q) & splat_q<V>(1)));
 }
 
 // sin x and cos x from the pairs: quadrant 0: (s, c), 1: (c, -s), 2: (-s, -c), 3: (-c, s).
@@ -312,8 +312,9 @@ struct ByHalfPiBlended {
 };
 
 // A one-result function by pi/2: Kind::combine(x, a, s, c) picks the result from the reduced
-// argument and the pairs; Kind::carried asks for the carried sine pair in HA. Single precision runs in double lanes and rounds once.
-template <class Kind, class E, int sin_terms, int cos_terms, bool paired, int parts = 3>
+// argument and the pairs; Kind::carried asks for the carried sine pair in HA. Single precision
+// runs in double lanes, rounded once, with `wide`, otherwise in float lanes.
+template <class Kind, class E, int sin_terms, int cos_terms, bool paired, int parts = 3, bool wide = true>
 struct ByHalfPi {
     static constexpr bool carried = paired && Kind::carried;
     using T = E;
@@ -327,7 +328,7 @@ struct ByHalfPi {
     }
     template <class V>
     static V eval(V x) {
-        return lanes_of<true>(x, [](auto d) { return in_lanes(d); });
+        return lanes_of<wide>(x, [](auto d) { return in_lanes(d); });
     }
     template <bool tail, class V>
     static Mask<V> special(V x) {
@@ -339,7 +340,9 @@ struct ByHalfPi {
     }
 };
 
-// Terms by pi/2 (|r| <= pi/4): double HA paired, S 8 and C 7 (truncation 2^-63); LA 8 and 7; EP and single precision (in double lanes) 4 and 4, two constants (2^-28).
+// Terms by pi/2 (|r| <= pi/4): double HA paired, S 8 and C 7 (truncation 2^-63); LA 8 and 7;
+// EP and single HA (in double lanes) 4 and 4, two constants (2^-28); single LA and EP in float
+// lanes, 4 and 4 with three float constants.
 template <class Kind>
 using HalfPiHA = ByHalfPi<Kind, double, 8, 7, true>;
 template <class Kind>
@@ -347,7 +350,9 @@ using HalfPiLA = ByHalfPi<Kind, double, 8, 7, false>;
 template <class Kind>
 using HalfPiEP = ByHalfPi<Kind, double, 4, 4, false, 2>;
 template <class Kind>
-using HalfPiSingle = ByHalfPi<Kind, float, 4, 4, false, 2>;
+using HalfPiSingleHA = ByHalfPi<Kind, float, 4, 4, false, 2>;
+template <class Kind>
+using HalfPiSingle = ByHalfPi<Kind, float, 4, 4, false, 3, false>;
 
 // Double HA sine and cosine: 8 terms of each (truncation 2^-63 and 2^-65).
 template <class Kind>
@@ -379,5 +384,5 @@ using ByPiSingleEP = ByPi<Kind, float, 4, 3>;
 #define QON_VM_TRIG_KERNELS(F, Kind)                                                                        \
     QON_VM_VECTOR_KERNELS(d, F, double, qon::vm::trig::HalfPiLA<Kind>, qon::vm::trig::HalfPiHA<Kind>,       \
                           qon::vm::trig::HalfPiEP<Kind>)                                                    \
-    QON_VM_VECTOR_KERNELS(s, F, float, qon::vm::trig::HalfPiSingle<Kind>, qon::vm::trig::HalfPiSingle<Kind>, \
+    QON_VM_VECTOR_KERNELS(s, F, float, qon::vm::trig::HalfPiSingle<Kind>, qon::vm::trig::HalfPiSingleHA<Kind>, \
                           qon::vm::trig::HalfPiSingle<Kind>)
