@@ -22,10 +22,10 @@
 //
 // Single, in float lanes: HA x = (8n + j) ln2/8 + r, |r| <= ln2/16, two-constant reduction,
 // e^r - 1 by its Taylor series to r^4 (2^-29.5 relative), result hi + (hi p + lo) with
-// hi + lo = 2^(j/8) read by a permute: the last rounding dominates, measured 0.578 ulp. LA and
+// hi + lo = 2^(j/8) read by a permute: the last rounding dominates, measured 0.595 ulp. LA and
 // EP: x = n ln2 + r with |r| <= ln2/2 and e^r ~ 1 + r + r^2 (c2 + ...), degree 6 for LA
-// (two-constant reduction; measured 0.97 ulp) and degree 4 for EP (one constant; measured
-// 168 ulp, 16 correct bits). Every method builds 2^n e^r by adding n to the exponent field,
+// (two-constant reduction; measured 1.06 ulp) and degree 4 for EP (one constant; measured
+// 169 ulp, 15 correct bits; measured over 6e7 arguments). Every method builds 2^n e^r by adding n to the exponent field,
 // exact while the result is normal: lanes with x < -87.33 or x > 88.7228317 (e^x near the
 // smallest normal or the largest float) or NaN go to the float scalar routine: the double
 // routine rounded once to float, status 3 when that is +inf, 4 when it is below the smallest
