@@ -100,8 +100,9 @@ struct Reduced {
 
 // ---- by pi -----------------------------------------------------------------------------------
 
-// sin x (cosine false) or cos x (cosine true) for |x| <= 2^20, with `parts` constants of pi/2.
-template <bool cosine, int terms, int parts, class V>
+// sin x (cosine false) or cos x (cosine true) for |x| <= 2^20, with `parts` constants of pi/2;
+// `product` evaluates r (1 + z S(z)) for single precision in double lanes.
+template <bool cosine, int terms, int parts, bool product = false, class V>
 V sine_by_pi(V x) {
     using E = Elem<V>;
     const V shifter = constant<V>(C<V>::shifter);
@@ -113,16 +114,22 @@ V sine_by_pi(V x) {
     r = neg_mul_add(n, constant<V>(C<V>::pio2_2), r);
     if constexpr (parts == 3) r = neg_mul_add(n, constant<V>(C<V>::pio2_3), r);
     const V z = r * r;
-    // A truncated series ending in a positive term overshoots 1 near r = +-pi/2; the clamp
-    // keeps |sin r| <= 1 (cos 0 = 1 exactly) at the cost of two comparisons.
-    const V one = splat<V>(E(1));
-    const V s = max(min(mul_add(r * z, taylor<terms, 3>(z), r), one), splat<V>(E(-1)));
     // (-1)^m for the sine, (-1)^(m+1) for the cosine, from the low bit of m in y.
     const Ints<V> flip = cosine ? shl<sizeof(E) * 8 - 1>(bits(y)) ^ splat_q<V>(Constants<E>::sign)
                                 : shl<sizeof(E) * 8 - 1>(bits(y));
-    const V v = from_bits(bits(s) ^ flip);
-    if constexpr (cosine) return v;
-    else return select(eq(x, splat<V>(E(0))), x, v);  // sin(-0) = -0
+    const V one = splat<V>(E(1));
+    if constexpr (product) {
+        // r (1 + z S(z)): one more rounding, which the wide evaluation of a float result does
+        // not see; it keeps the sign of a zero r, and 1 + 2^-30 rounds to the float 1.
+        return from_bits(bits(r * mul_add(z, taylor<terms, 3>(z), one)) ^ flip);
+    } else {
+        // A truncated series ending in a positive term overshoots 1 near r = +-pi/2; the clamp
+        // keeps |sin r| <= 1 (cos 0 = 1 exactly) at the cost of two comparisons.
+        const V s = max(min(mul_add(r * z, taylor<terms, 3>(z), r), one), splat<V>(E(-1)));
+        const V v = from_bits(bits(s) ^ flip);
+        if constexpr (cosine) return v;
+        else return select(eq(x, splat<V>(E(0))), x, v);  // sin(-0) = -0
+    }
 }
 
 // ---- by pi/2 ---------------------------------------------------------------------------------
@@ -287,7 +294,7 @@ struct ByPi {
 
     template <class V>
     static V eval(V x) {
-        return lanes_of<wide>(x, [](auto d) { return sine_by_pi<Kind::cosine, terms, parts>(d); });
+        return lanes_of<wide>(x, [](auto d) { return sine_by_pi<Kind::cosine, terms, parts, wide>(d); });
     }
     template <bool tail, class V>
     static Mask<V> special(V x) { return beyond(x); }
