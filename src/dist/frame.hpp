@@ -112,6 +112,17 @@ void scale_shift(int n, T *r, T s, T a) {
     for (int i = 0; i < n; ++i) r[i] = std::fma(s, r[i], a);
 }
 
+// Splits m interleaved pairs: u1[i] = pairs[2i], theta[i] = scale * pairs[2i + 1]. Out of
+// place, so that the loop runs in vector lanes (the in-place split is a scalar loop whose
+// stores wait on the loads of the same array).
+template <class T>
+void split_pairs(int m, const T *__restrict pairs, T *__restrict u1, T *__restrict theta, T scale) {
+    for (int i = 0; i < m; ++i) {
+        u1[i] = pairs[2 * i];
+        theta[i] = scale * pairs[2 * i + 1];
+    }
+}
+
 inline bool accurate(int32_t method) { return (method & ROK_RNG_METHOD_ACCURATE) != 0; }
 
 }  // namespace qon::dist

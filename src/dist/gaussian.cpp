@@ -41,26 +41,16 @@ void radii(int m, T *u) {
     without_ftz([&] { P::sqrt(m, u, u); });
 }
 
-// Draws 2m uniforms and splits them: u1(i) = u[2i] in place into u, theta(i) = 2 pi u[2i+1].
-template <class T>
-int32_t draw_pairs(RokStream *stream, int m, T *u, T *theta) {
-    int32_t status = Precision<T>::uniform(stream, 2 * m, u, T(0), T(1));
-    if (status < 0) return status;
-    for (int i = 0; i < m; ++i) {
-        theta[i] = Precision<T>::two_pi * u[2 * i + 1];
-        u[i] = u[2 * i];
-    }
-    return status;
-}
-
 template <class T>
 int32_t box_muller(RokStream *stream, int32_t n, T *r, T a, T sigma) {
-    alignas(64) T u[2 * block];
+    alignas(64) T pairs[2 * block];
+    alignas(64) T u[block];
     alignas(64) T theta[block];
     for (int done = 0; done < n;) {
         const int m = std::min(n - done, block);
-        int32_t status = draw_pairs(stream, m, u, theta);
+        int32_t status = Precision<T>::uniform(stream, 2 * m, pairs, T(0), T(1));
         if (status < 0) return status;
+        split_pairs(m, pairs, u, theta, Precision<T>::two_pi);
         without_ftz([&] { Precision<T>::sin(m, theta, theta); });
         radii(m, u);
         for (int i = 0; i < m; ++i) r[done + i] = std::fma(sigma * u[i], theta[i], a);
@@ -104,18 +94,16 @@ int32_t box_muller2(RokStream *stream, int32_t n, T *r, T a, T sigma) {
         r[i++] = std::fma(sigma * rho, theta, a);
         pending[0] = pending[1] = nothing_pending;
     }
-    alignas(64) T u[block];
+    alignas(64) T pairs[block];
+    alignas(64) T u[block / 2];
     alignas(64) T theta[block / 2];
     alignas(64) T cosine[block / 2];
     while (i < n) {
         const int m = std::min((n - i + 1) / 2, block / 2);
-        status = P::uniform(stream, 2 * m, u, T(0), T(1));
+        status = P::uniform(stream, 2 * m, pairs, T(0), T(1));
         if (status < 0) return status;
-        const T last_u1 = u[2 * m - 2], last_u2 = u[2 * m - 1];
-        for (int k = 0; k < m; ++k) {
-            theta[k] = P::two_pi * u[2 * k + 1];
-            u[k] = u[2 * k];
-        }
+        const T last_u1 = pairs[2 * m - 2], last_u2 = pairs[2 * m - 1];
+        split_pairs(m, pairs, u, theta, P::two_pi);
         without_ftz([&] { P::sincos(m, theta, theta, cosine); });
         radii(m, u);
         for (int k = 0; k < m; ++k) {

@@ -18,9 +18,9 @@
 // enters through p'(w) (a quadratic, 2% accurate, on a term below 2^-53 p); the last two
 // Horner steps and the two lowest coefficients in double-double; y = fma(x, p_hi, x p_lo). In
 // the far region t = sqrt(w) is corrected by (w - t^2 + w_lo)/(2t) (g'(t) = 1 within 4%).
-// Measured max error (accuracy harness, 1e7 arguments per region: uniform on (-1, 1),
-// log-uniform magnitudes, 1 - |x| log-uniform from 1/2 down to 2^-53): double HA 0.583 ulp,
-// LA 3.0 ulp (mostly the rounding of u = w - 3.125 near w = 0), EP 5.9e6 ulp (29 correct bits).
+// Measured max error (accuracy harness, 1e6 arguments per region: uniform on (-1, 1),
+// log-uniform magnitudes, 1 - |x| log-uniform from 1/2 down to 2^-53): double HA 0.59 ulp,
+// LA 2.19 ulp (mostly the rounding of u = w - 3.125 near w = 0), EP 5.9e6 ulp (29 correct bits).
 // Single: every slot evaluates the double EP method in double lanes and rounds once (relative
 // error below 2^-29 before rounding): measured 0.511 ulp (1e6 arguments per region).
 // Lanes with |x| >= 1, NaN, or |x| < 2^-969 (2^-125 single: where x p_lo or the result may be
@@ -56,20 +56,12 @@ constexpr double main_centre = 3.125;
 constexpr double far_split = 4;      // t bound between the far polynomials
 constexpr double far1_centre = 3.25, far2_centre = 5;
 
-// The polynomial c[0 .. N - 1 - drop] (highest degree first) at u by Horner's scheme, as two
-// chains in u^2 (even and odd degrees) to halve the dependency chain.
+// The polynomial c[0 .. N - 1 - drop] (highest degree first) at u by Estrin's scheme, the two
+// lowest coefficients added by Horner steps.
 template <std::size_t drop = 0, class V, std::size_t N>
 [[gnu::always_inline]] inline V polynomial(V u, const double (&c)[N]) {
-    constexpr std::size_t n = N - drop;  // coefficients used
-    const V u2 = u * u;
-    // c[0] (degree n - 1) starts chain a, c[1] chain b.
-    V a = splat<V>(c[0]), b = splat<V>(c[1]);
-    for (std::size_t i = 2; i + 1 < n; i += 2) {
-        a = mul_add(a, u2, splat<V>(c[i]));
-        b = mul_add(b, u2, splat<V>(c[i + 1]));
-    }
-    if constexpr (n % 2 == 1) return mul_add(a, u2, mul_add(b, u, splat<V>(c[n - 1])));
-    else return mul_add(a, u, b);
+    constexpr int n = N - drop;  // coefficients used
+    return estrin<n, 2>(u, [&](auto i) { return splat<V>(c[n - 1 - i]); });
 }
 
 // a + b = s + e exactly when |a| >= |b| or a = 0.
@@ -80,11 +72,12 @@ void fast_two_sum(V a, V b, V &s, V &e) {
 }
 
 // (atanh(s)*2 - 2s)/s^3 in z = s^2: 2/3 + 2z/5 + ... + 2z^(N-1)/(2N + 1).
-template <int N, class V, int j = 1>
+template <int N, class V>
 V series(V z) {
-    constexpr double c = 2.0 / (2 * j + 1);
-    if constexpr (j == N) return splat<V>(c);
-    else return mul_add(series<N, V, j + 1>(z), z, splat<V>(c));
+    return estrin<N>(z, [](auto i) {
+        constexpr double c = 2.0 / (2 * i + 3);
+        return splat<V>(c);
+    });
 }
 
 // -ln P for 0 < P <= 1 normal (lanes of V), as w_hi + w_lo (paired) or w_hi alone. P_lo is

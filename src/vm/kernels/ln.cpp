@@ -91,13 +91,15 @@ struct Set4 {
     static constexpr const double *c = tab::c4;
 };
 
-// sum over i = first..n of (-1)^(i+1) r^(i-first)/i by Horner's scheme from the highest term:
-// log1p(r)/r for first = 1, (log1p(r) - r)/r^2 for first = 2 (Taylor coefficients).
+// log1p(r)/r (first = 1) or (log1p(r) - r)/r^2 (first = 2): the Taylor coefficients
+// (-1)^(i+1)/i for i = first..n, by Estrin's scheme with the two lowest added by Horner steps
+// (their roundings are the ones that count).
 template <int first, int n, class V>
 V log1p_series(V r) {
-    constexpr double c = (first % 2 == 0 ? -1.0 : 1.0) / first;
-    if constexpr (first == n) return splat<V>(static_cast<Elem<V>>(c));
-    else return mul_add(log1p_series<first + 1, n>(r), r, splat<V>(static_cast<Elem<V>>(c)));
+    return estrin<n - first + 1, 2>(r, [](auto i) {
+        constexpr int d = first + i;
+        return splat<V>(static_cast<Elem<V>>((d % 2 == 0 ? -1.0 : 1.0) / d));
+    });
 }
 
 // The reduction of a positive normal x: k (lowered by shift), r = z*c_j - 1 and the interval j

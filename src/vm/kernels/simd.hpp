@@ -36,6 +36,8 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
+#include <utility>
 
 namespace qon::simd {
 
@@ -188,6 +190,54 @@ template <class V, class... R>
 inline V horner(V s, V a, V b, R... rest) {
     if constexpr (sizeof...(rest) == 0) return mul_add(a, s, b);
     else return horner(s, mul_add(a, s, b), rest...);
+}
+
+// Horner's scheme over every step-th coefficient from first on: sum over i < count of
+// coef(first + i step) w^i (coef called with std::integral_constant<int, index>, returning a V).
+template <int first, int step, int count, class V, class F>
+inline V horner_every(V w, const F &coef) {
+    const V c = coef(std::integral_constant<int, first>{});
+    if constexpr (count == 1) return c;
+    else return mul_add(horner_every<first + step, step, count - 1>(w, coef), w, c);
+}
+// sum over i < n of coef(i) s^i as its even and odd parts in s^2: two Horner chains of half the
+// length, for one multiplication more.
+template <int n, class V, class F>
+inline V even_odd(V s, const F &coef) {
+    if constexpr (n <= 3) {
+        return horner_every<0, 1, n>(s, coef);
+    } else {
+        const V s2 = s * s;
+        return mul_add(horner_every<1, 2, n / 2>(s2, coef), s, horner_every<0, 2, (n + 1) / 2>(s2, coef));
+    }
+}
+
+// Estrin's scheme: sum over i < n of coef(i) s^i (coef called with std::integral_constant<int,
+// i>, returning a V), split at the largest power of two h < n as low(s) + s^h high(s) down to
+// single coefficients; pw[k] holds s^(2^k). The dependency chain is about log2(n) fused
+// multiply-adds and squarings long instead of n - 1, for one squaring more per level: the
+// better trade for long polynomials, whose kernels are bound by latency. With horner_low > 0
+// the lowest coefficients are added last by Horner steps, so that the rounding errors of the
+// rest are scaled by s^horner_low, as in Horner's scheme.
+template <int first, int n, class V, class F>
+inline V estrin_from(const V *pw, const F &coef) {
+    if constexpr (n == 1) {
+        return coef(std::integral_constant<int, first>{});
+    } else {
+        constexpr unsigned h = std::bit_floor(static_cast<unsigned>(n - 1));
+        constexpr int level = std::countr_zero(h);
+        return mul_add(estrin_from<first + h, n - h>(pw, coef), pw[level], estrin_from<first, h>(pw, coef));
+    }
+}
+template <int n, int horner_low = 0, class V, class F>
+inline V estrin(V s, const F &coef) {
+    V pw[5] = {s, s, s, s, s};
+    for (int k = 1; k < 5 && (1 << k) < n - horner_low; ++k) pw[k] = pw[k - 1] * pw[k - 1];
+    V p = estrin_from<horner_low, n - horner_low>(pw, coef);
+    [&]<int... i>(std::integer_sequence<int, i...>) {
+        ((p = mul_add(p, s, coef(std::integral_constant<int, horner_low - 1 - i>{}))), ...);
+    }(std::make_integer_sequence<int, horner_low>{});
+    return p;
 }
 
 inline VD abs(VD a) { return {_mm256_andnot_pd(_mm256_set1_pd(-0.0), a.v)}; }

@@ -7,8 +7,8 @@
 // By pi (Sin and Cos in every slot but double HA): m = round(x/pi - o), o = 0 for the sine and
 // 1/2 for the cosine, N = 2m + 2o, r = x - N*C1 - N*C2 [- N*C3] in [-pi/2, pi/2]; then
 // sin x = (-1)^m sin r and cos x = (-1)^(m+1) sin r, so one odd polynomial serves both:
-// sin r = r + r z S(z), z = r^2, S of `terms` Taylor coefficients (-1)^k/(2k + 1)! rounded to
-// the element type (truncation (pi/2)^(2 terms + 2)/(2 terms + 3)! relative to sin r).
+// sin r = r + r z S(z), z = r^2, S a polynomial fitted to (sin r - r)/(r z) on |r| <= pi/2
+// (trig_poly.hpp, made by tools/fit_trig.cpp).
 //
 // By pi/2, paired (double HA, and SinCos and Tan in every slot): n = round(2x/pi), quadrant
 // q = n mod 4, r = r1 - n*C2 rounded, lo = (r1 - r) - n*C2 its error: r1 - r is exact
@@ -18,16 +18,21 @@
 // sin r and cos r on |r| <= pi/4 + 2^-40 as unevaluated pairs (hi, lo): sin as (r, r z S(z) +
 // lo (1 - z/2)), whose low part is under 0.12 |r| so its rounding errors cost at most 0.3 ulp;
 // cos as w = 1 - z/2 with the rounding errors of z and w and the term -r lo carried in the low
-// part with z^2 C(z), so that hi + lo rounds once and the tangent can divide the pairs.
+// part with z^2 C(z), so that hi + lo rounds once and the tangent can divide the pairs. The
+// double HA sine and cosine use S and C fitted on |r| <= pi/4 (7 coefficients each, errors
+// 2^-57 and 2^-59 relative as rounded); the pairs of the tangent and the sine-and-cosine use
+// Taylor coefficients (the tangent carries -1/6 exactly).
 #pragma once
 
 #include <qon/qon_pax.h>
 
 #include <cmath>
 #include <cstdint>
+#include <iterator>
 #include <type_traits>
 
 #include "vm/kernels/simd.hpp"
+#include "vm/kernels/trig_poly.hpp"
 #include "vm/kernels/vector_driver.hpp"
 
 namespace qon::vm::trig {
@@ -69,27 +74,18 @@ constexpr double factorial(int d) { return d <= 1 ? 1.0 : d * factorial(d - 1); 
 template <int d>
 inline constexpr double coefficient = ((d / 2) % 2 == 0 ? 1.0 : -1.0) / factorial(d);
 
-// Horner over the coefficients of degrees first, first + 2 * step, ... (`terms` of them) in w.
-template <int terms, int first, int step, class V>
-V horner_of(V w) {
-    const V c = splat<V>(static_cast<Elem<V>>(coefficient<first>));
-    if constexpr (terms == 1) return c;
-    else return mul_add(horner_of<terms - 1, first + 2 * step, step>(w), w, c);
-}
-
-// The polynomial in z over the coefficients of degrees first, first + 2, ..., first +
-// 2(terms - 1), as its even and odd parts in z^2 (two Horner chains of half the length, so
-// the latency is about halved for one more multiplication).
+// The polynomial in z over the Taylor coefficients of degrees first, first + 2, ...,
+// first + 2(terms - 1) (the tangent and the sine-and-cosine pairs).
 template <int terms, int first, class V>
 V taylor(V z) {
-    if constexpr (terms <= 3) {
-        return horner_of<terms, first, 1>(z);
-    } else {
-        const V z2 = z * z;
-        const V even = horner_of<(terms + 1) / 2, first, 2>(z2);
-        const V odd = horner_of<terms / 2, first + 2, 2>(z2);
-        return mul_add(odd, z, even);
-    }
+    return even_odd<terms>(z, [](auto i) { return splat<V>(static_cast<Elem<V>>(coefficient<first + 2 * i>)); });
+}
+
+// A fitted polynomial of trig_poly.hpp (highest degree first) at z.
+template <const auto &c, class V>
+V fitted(V z) {
+    constexpr int n = std::size(c);
+    return even_odd<n>(z, [](auto i) { return splat<V>(static_cast<Elem<V>>(c[n - 1 - i])); });
 }
 
 template <class V>
@@ -100,9 +96,10 @@ struct Reduced {
 
 // ---- by pi -----------------------------------------------------------------------------------
 
-// sin x (cosine false) or cos x (cosine true) for |x| <= 2^20, with `parts` constants of pi/2;
-// `product` evaluates r (1 + z S(z)) for single precision in double lanes.
-template <bool cosine, int terms, int parts, bool product = false, class V>
+// sin x (cosine false) or cos x (cosine true) for |x| <= 2^20, with `parts` constants of pi/2
+// and the fitted S of trig_poly.hpp; `product` evaluates r (1 + z S(z)) for single precision in
+// double lanes.
+template <bool cosine, const auto &S, int parts, bool product = false, class V>
 V sine_by_pi(V x) {
     using E = Elem<V>;
     const V shifter = constant<V>(C<V>::shifter);
@@ -121,11 +118,11 @@ V sine_by_pi(V x) {
     if constexpr (product) {
         // r (1 + z S(z)): one more rounding, which the wide evaluation of a float result does
         // not see; it keeps the sign of a zero r, and 1 + 2^-30 rounds to the float 1.
-        return from_bits(bits(r * mul_add(z, taylor<terms, 3>(z), one)) ^ flip);
+        return from_bits(bits(r * mul_add(z, fitted<S>(z), one)) ^ flip);
     } else {
-        // A truncated series ending in a positive term overshoots 1 near r = +-pi/2; the clamp
-        // keeps |sin r| <= 1 (cos 0 = 1 exactly) at the cost of two comparisons.
-        const V s = max(min(mul_add(r * z, taylor<terms, 3>(z), r), one), splat<V>(E(-1)));
+        // The polynomial may overshoot 1 near r = +-pi/2 by its error; the clamp keeps
+        // |sin r| <= 1 (cos 0 = 1 exactly) at the cost of two comparisons.
+        const V s = max(min(mul_add(r * z, fitted<S>(z), r), one), splat<V>(E(-1)));
         const V v = from_bits(bits(s) ^ flip);
         if constexpr (cosine) return v;
         else return select(eq(x, splat<V>(E(0))), x, v);  // sin(-0) = -0
@@ -233,20 +230,11 @@ void sin_cos(const Reduced<V> &a, V s, V c, V &sin_x, V &cos_x) {
     cos_x = flip_by(select(odd, s, c), a.q + splat_q<V>(1));
 }
 
-// The polynomial of sin r (coefficients of degrees 3, 5, ...) in lanes where `odd` is clear
-// and of cos r (degrees 4, 6, ...) where it is set, from coefficient j on, every `step`-th.
-template <int terms, int j, int step, class V>
-V blended(Mask<V> odd, V w) {
-    const V c = select(odd, splat<V>(coefficient<4 + 2 * j>), splat<V>(coefficient<3 + 2 * j>));
-    if constexpr (j + step >= terms) return c;
-    else return mul_add(blended<terms, j + step, step>(odd, w), w, c);
-}
-
 // Double HA sine or cosine by pi/2 with one polynomial per lane: lanes that need sin r
 // compute r + (r z S(z) + lo (1 - z/2)), lanes that need cos r compute w + (z^2 C(z) + e),
 // w = 1 - z/2 and e the rounding errors of z and w and -r lo, the coefficients of S or C
-// selected per lane, `terms` of each (Taylor, degrees up to 2 terms + 1 and 2 terms + 2).
-template <bool cosine, int terms, class V>
+// selected per lane (the fitted S and C of trig_poly.hpp).
+template <bool cosine, class V>
 V sine_by_half_pi(V x) {
     const Reduced<V> a = reduce<true, 3>(x);
     const Ints<V> q = cosine ? a.q + splat_q<V>(1) : a.q;  // cos x = sin(x + pi/2)
@@ -254,13 +242,17 @@ V sine_by_half_pi(V x) {
     const V one = splat<V>(1.0), half = splat<V>(0.5);
     const V z = a.r * a.r, hz = half * z, z2 = z * z;
     const V w = one - hz;
-    const V cos_e = neg_mul_add(a.r, a.lo, neg_mul_add(half, mul_sub(a.r, a.r, z), (one - w) - hz));
-    const V sin_e = neg_mul_add(a.lo, hz, a.lo);
-    const V p = mul_add(blended<terms, 1, 2>(odd, z2), z, blended<terms, 0, 2>(odd, z2));
-    const V v = select(odd, w, a.r) + mul_add(select(odd, z2, a.r * z), p, select(odd, cos_e, sin_e));
-    const V s = flip_by(v, q);
-    if constexpr (cosine) return s;
-    else return select(eq(x, splat<V>(0.0)), x, s);
+    // The low part is formed negated, -(e + tail) with e = cos_e or sin_e, and subtracted: at
+    // x = -0 it is +0 and r - (+0) keeps the sign of the zero, with no select on x.
+    const V minus_cos_e = mul_add(a.r, a.lo, mul_add(half, mul_sub(a.r, a.r, z), hz - (one - w)));
+    const V minus_sin_e = mul_sub(a.lo, hz, a.lo);
+    constexpr auto &S = trig_poly::sine_half_pi_7;
+    constexpr auto &C = trig_poly::cosine_half_pi_7;
+    constexpr int n = std::size(S);
+    static_assert(std::size(C) == n);
+    const V p = even_odd<n>(z, [&](auto i) { return select(odd, splat<V>(C[n - 1 - i]), splat<V>(S[n - 1 - i])); });
+    const V v = select(odd, w, a.r) - neg_mul_add(select(odd, z2, a.r * z), p, select(odd, minus_cos_e, minus_sin_e));
+    return flip_by(v, q);
 }
 
 // Lanes beyond the vector range, infinities and NaN go to the scalar routine.
@@ -285,16 +277,16 @@ V lanes_of(V x, F f) {
     else return f(x);
 }
 
-// Sine or cosine by pi (Kind::cosine), `terms` coefficients, `parts` constants; `wide` runs
+// Sine or cosine by pi (Kind::cosine), the fitted polynomial S, `parts` constants; `wide` runs
 // single precision in double lanes.
-template <class Kind, class E, int terms, int parts, bool wide = false>
+template <class Kind, class E, const auto &S, int parts, bool wide = false>
 struct ByPi {
     using T = E;
     static constexpr int groups = std::is_same_v<E, double> || wide ? 4 : 2;
 
     template <class V>
     static V eval(V x) {
-        return lanes_of<wide>(x, [](auto d) { return sine_by_pi<Kind::cosine, terms, parts, wide>(d); });
+        return lanes_of<wide>(x, [](auto d) { return sine_by_pi<Kind::cosine, S, parts, wide>(d); });
     }
     template <bool tail, class V>
     static Mask<V> special(V x) { return beyond(x); }
@@ -304,13 +296,13 @@ struct ByPi {
 };
 
 // Double HA sine or cosine (Kind::cosine) by pi/2 with one polynomial per lane.
-template <class Kind, int terms>
-struct ByHalfPiBlended {
+template <class Kind>
+struct BlendedHA {
     using T = double;
     static constexpr int groups = 4;
 
     template <class V>
-    static V eval(V x) { return sine_by_half_pi<Kind::cosine, terms>(x); }
+    static V eval(V x) { return sine_by_half_pi<Kind::cosine>(x); }
     template <bool tail, class V>
     static Mask<V> special(V x) { return mask_or(beyond(x), near_multiple(x)); }
     static int scalar(T x, T &r) {
@@ -361,22 +353,19 @@ using HalfPiSingleHA = ByHalfPi<Kind, float, 4, 4, false, 2>;
 template <class Kind>
 using HalfPiSingle = ByHalfPi<Kind, float, 4, 4, false, 3, false>;
 
-// Double HA sine and cosine: 8 terms of each (truncation 2^-63 and 2^-65).
+// Polynomials by pi (|r| <= pi/2; fit errors relative to sin r in trig_poly.hpp): double LA 8
+// coefficients (2^-54.6 as rounded), EP 5 with two constants (2^-33); single HA in double lanes
+// 5 with two double constants, LA 5 (2^-25.7 rounded to float) and EP 3 (2^-17.7) in float.
 template <class Kind>
-using BlendedHA = ByHalfPiBlended<Kind, 8>;
-
-// Terms by pi (|r| <= pi/2): double LA 10 (truncation 2^-59.5), EP 6 with two constants (2^-30);
-// single HA in double lanes 6 with two double constants, LA 6 and EP 4 in float (2^-18).
+using ByPiLA = ByPi<Kind, double, trig_poly::sine_pi_8, 3>;
 template <class Kind>
-using ByPiLA = ByPi<Kind, double, 10, 3>;
+using ByPiEP = ByPi<Kind, double, trig_poly::sine_pi_5, 2>;
 template <class Kind>
-using ByPiEP = ByPi<Kind, double, 6, 2>;
+using ByPiSingleHA = ByPi<Kind, float, trig_poly::sine_pi_5, 2, true>;
 template <class Kind>
-using ByPiSingleHA = ByPi<Kind, float, 6, 2, true>;
+using ByPiSingleLA = ByPi<Kind, float, trig_poly::sine_pi_5f, 3>;
 template <class Kind>
-using ByPiSingleLA = ByPi<Kind, float, 6, 3>;
-template <class Kind>
-using ByPiSingleEP = ByPi<Kind, float, 4, 3>;
+using ByPiSingleEP = ByPi<Kind, float, trig_poly::sine_pi_3f, 3>;
 
 }  // namespace qon::vm::trig
 

@@ -87,8 +87,8 @@ struct VectorKernel {
 
     // Main-loop groups from element i on, while no lane is flagged; returns the start of the
     // first group with a flagged lane (its results not stored), or of the tail. No call in this
-    // loop: the method's constants stay in registers.
-    [[gnu::noinline]] static int clean_groups(int i, int n, const T *a, Out out) {
+    // loop (flatten inlines the whole method): the method's constants stay in registers.
+    [[gnu::noinline, gnu::flatten]] static int clean_groups(int i, int n, const T *a, Out out) {
         for (; i <= n - G * L; i += G * L) {
             V y[G][results];
             simd::Mask<V> flagged;
