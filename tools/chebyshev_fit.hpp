@@ -6,6 +6,9 @@
 
 #include <quadmath.h>
 
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
 #include <functional>
 #include <vector>
 
@@ -68,6 +71,27 @@ inline Q eval_q(const std::vector<Q> &c, Q d) {
     Q s = 0;
     for (int i = static_cast<int>(c.size()) - 1; i >= 0; --i) s = s * d + c[i];
     return s;
+}
+
+// Prints coefficients (lowest degree first in c) as a C++ array, highest degree first, each
+// with its exact bit pattern.
+template <class T>
+void print_array(const char *name, const std::vector<T> &c) {
+    const bool single = sizeof(T) == 4;
+    std::printf("inline constexpr %s %s[%d] = {\n", single ? "float" : "double", name, static_cast<int>(c.size()));
+    for (int k = static_cast<int>(c.size()) - 1; k >= 0; --k) {
+        if constexpr (sizeof(T) == 4) {
+            std::uint32_t bits;
+            std::memcpy(&bits, &c[k], sizeof bits);
+            std::printf("    std::bit_cast<float>(0x%08Xu),  // %.9g\n", bits, double(c[k]));
+        } else {
+            std::uint64_t bits;
+            std::memcpy(&bits, &c[k], sizeof bits);
+            std::printf("    std::bit_cast<double>(0x%016llXull),  // %.17g\n", static_cast<unsigned long long>(bits),
+                        double(c[k]));
+        }
+    }
+    std::printf("};\n");
 }
 
 }  // namespace qon::tools

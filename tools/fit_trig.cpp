@@ -16,10 +16,6 @@
 // constant coefficient is raised until r + r z S(z) exceeds sin r there by 8 ulp of the element
 // type, so that the kernels' clamp to [-1, 1] gives sin(+-pi/2) and cos 0 exactly 1 (at most
 // about twice the fit error is added).
-#include <cstdint>
-#include <cstdio>
-#include <cstring>
-
 #include "chebyshev_fit.hpp"
 
 namespace {
@@ -59,20 +55,7 @@ void emit(const char *name, Q (*f)(Q), Q (*weight)(Q), Q r_max, int count, bool 
     std::printf("\n// %s: %d coefficients on |r| <= %.17g: error 2^%.1f (2^%.1f rounded to %s%s)\n", name, count,
                 double(r_max), double(log2q(fit_error)), double(log2q(rounded_error)), single ? "float" : "double",
                 overshoot ? ", overshooting at the end" : "");
-    std::printf("inline constexpr %s %s[%d] = {\n", single ? "float" : "double", name, count);
-    for (int k = count - 1; k >= 0; --k) {
-        if constexpr (sizeof(T) == 4) {
-            std::uint32_t bits;
-            std::memcpy(&bits, &rounded[k], sizeof bits);
-            std::printf("    std::bit_cast<float>(0x%08Xu),  // %.9g\n", bits, double(rounded[k]));
-        } else {
-            std::uint64_t bits;
-            std::memcpy(&bits, &rounded[k], sizeof bits);
-            std::printf("    std::bit_cast<double>(0x%016llXull),  // %.17g\n", static_cast<unsigned long long>(bits),
-                        rounded[k]);
-        }
-    }
-    std::printf("};\n");
+    print_array(name, rounded);
 }
 
 }  // namespace

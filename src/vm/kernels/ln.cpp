@@ -6,31 +6,32 @@
 // of z just past the offset pick one of N intervals and its short factor c_j ~ 1/z (c = 1 on
 // the interval of 1), read from ln_tables.hpp with register permutes (no gather, no division);
 // r = z c_j - 1 is exact (one fused multiply-subtract: c_j has at most 7 bits and
-// |r| < 2^(1 - bits of c_j)), and ln x = k ln2 - ln c_j + log1p(r) with the Taylor series of
-// log1p (no fit) truncated after r^n:
-//   double HA  N = 8 (|r| <= 0.0625, <= 1/24 on the interval of 1), n = 14: truncation below
-//              2^-63 absolute where |ln x| >= 0.04 and 2^-64 relative near 1. K = k L1 + logc_hi
-//              is exact (both multiples of 2^-42), K + r is split exactly (Fast2Sum: the exponent
-//              of logc_hi is at least that of r), and k L2 + logc_lo + the low part + r^2 q(r)
-//              is added last: the final rounding dominates. Measured 0.554 ulp.
+// |r| < 2^(1 - bits of c_j)), and ln x = k ln2 - ln c_j + log1p(r), log1p by polynomials fitted
+// at Chebyshev nodes (ln_poly.hpp, made by tools/fit_ln.cpp) and evaluated by Estrin's scheme:
+//   double HA  N = 8 (|r| <= 0.0625, <= 1/24 on the interval of 1), r^2 q(r) with q of 11
+//              coefficients (within 2^-65.6 absolute, 2^-62.3 relative near 1). K = k L1 +
+//              logc_hi is exact (both multiples of 2^-42), K + r is split exactly (Fast2Sum: the
+//              exponent of logc_hi is at least that of r), and k L2 + logc_lo + the low part +
+//              r^2 q(r) is added last: the final rounding dominates. Measured 0.554 ulp.
 //   double LA, EP  N = 4 (|r| <= 0.12, <= 1/12 near 1), K = k ln2 + RN(-ln c_j) in one fused
-//              multiply-add and ln x = r P(r) + K with P(r) = log1p(r)/r; LA n = 16 (truncation
-//              2^-56 absolute where |ln x| >= 0.08, 2^-54 relative near 1; the roundings of K
-//              and of r P + K dominate): measured 2.13 ulp; EP n = 9 (truncation 2^-31
-//              relative): measured 4.92e6 ulp (2^-29.8 relative, 29 correct bits).
-//   single HA  N = 8 in float lanes, n = 7 (truncation 2^-36 absolute where |ln x| >= 0.04), the
-//              HA scheme with L1 and logc_hi multiples of 2^-16 (k L1 + logc_hi exact for
-//              |k| <= 150): measured 0.550 ulp.
-//   single LA, EP  N = 8, n = 6 and 3, K = k ln2 + RN_float(-ln c_j), r P(r) + K: measured
-//              1.61 ulp and 692 ulp (2^-14.4 relative, 14 correct bits).
+//              multiply-add and ln x = r P(r) + K with P(r) = log1p(r)/r; LA 13 coefficients
+//              (2^-55.4 relative; the roundings of K and of r P + K dominate): measured
+//              2.54 ulp; EP 7 (2^-30.3): measured 6.8e6 ulp (2^-29.3 relative, 29 bits).
+//   single HA  N = 8 in float lanes, q of 5 coefficients (2^-34.8 absolute), the HA scheme with
+//              L1 and logc_hi multiples of 2^-16 (k L1 + logc_hi exact for |k| <= 150):
+//              measured 0.556 ulp.
+//   single LA, EP  N = 8, P of 5 and 3 coefficients (2^-26.5 and 2^-16 relative), K = k ln2 +
+//              RN_float(-ln c_j), r P(r) + K: measured 1.62 ulp and 260 ulp (2^-15 relative).
 // Lanes outside [smallest normal, largest finite] of their type and NaN go to the scalar routine:
 // ln(+-0) = -inf is a singularity (2), x < 0 and -inf a domain error (1, NaN), ln(+inf) = +inf
 // and NaN give themselves unreported; a double subnormal is scaled by 2^54 and computed by the
 // double HA method with k - 54, a float in double and rounded once.
 #include <cmath>
 #include <cstdint>
+#include <iterator>
 #include <limits>
 
+#include "vm/kernels/ln_poly.hpp"
 #include "vm/kernels/ln_tables.hpp"
 #include "vm/kernels/vector_driver.hpp"
 
@@ -38,6 +39,7 @@ namespace {
 
 using namespace qon::simd;
 namespace tab = qon::vm::ln_tables;
+namespace ln_poly = qon::vm::ln_poly;
 
 enum class Precision { HA, LA, EP };
 
@@ -91,15 +93,12 @@ struct Set4 {
     static constexpr const double *c = tab::c4;
 };
 
-// log1p(r)/r (first = 1) or (log1p(r) - r)/r^2 (first = 2): the Taylor coefficients
-// (-1)^(i+1)/i for i = first..n, by Estrin's scheme with the two lowest added by Horner steps
-// (their roundings are the ones that count).
-template <int first, int n, class V>
-V log1p_series(V r) {
-    return estrin<n - first + 1, 2>(r, [](auto i) {
-        constexpr int d = first + i;
-        return splat<V>(static_cast<Elem<V>>((d % 2 == 0 ? -1.0 : 1.0) / d));
-    });
+// A polynomial of ln_poly.hpp (highest degree first) by Estrin's scheme, the two lowest
+// coefficients added by Horner steps (their roundings are the ones that count).
+template <const auto &c, class V>
+V polynomial(V r) {
+    constexpr int n = std::size(c);
+    return estrin<n, 2>(r, [](auto i) { return splat<V>(static_cast<Elem<V>>(c[n - 1 - i])); });
 }
 
 // The reduction of a positive normal x: k (lowered by shift), r = z*c_j - 1 and the interval j
@@ -142,19 +141,21 @@ template <Precision P, class V>
     if constexpr (P != Precision::HA && !single) {
         const auto [k, r, j] = reduce<Set4>(x, shift);
         const V K = mul_add(k, constant<V>(Format<double>::ln2), permute_table<4>(tab::logc4, j));
-        return mul_add(r, log1p_series<1, P == Precision::LA ? 16 : 9>(r), K);
+        if constexpr (P == Precision::LA) return mul_add(r, polynomial<ln_poly::whole_la>(r), K);
+        else return mul_add(r, polynomial<ln_poly::whole_ep>(r), K);
     } else if constexpr (P != Precision::HA && single) {
         const auto [k, r, j] = reduce<Set8<T>>(x, shift);
         const V K = mul_add(k, constant<V>(Format<float>::ln2), permute_table<8>(tab::logc8_f, j));
-        return mul_add(r, log1p_series<1, P == Precision::LA ? 6 : 3>(r), K);
+        if constexpr (P == Precision::LA) return mul_add(r, polynomial<ln_poly::whole_la_f>(r), K);
+        else return mul_add(r, polynomial<ln_poly::whole_ep_f>(r), K);
     } else {
         // K = k L1 + logc_hi is exact and K + r is split exactly (Fast2Sum).
         const auto [k, r, j] = reduce<Set8<T>>(x, shift);
-        constexpr int n = single ? 7 : 14;
         const V K = mul_add(k, constant<V>(Format<T>::ln2_hi), permute_table<8>(Set8<T>::logc_hi, j));
         const V hi = K + r;
         const V small = mul_add(k, constant<V>(Format<T>::ln2_lo), permute_table<8>(Set8<T>::logc_lo, j));
-        return hi + mul_add(r * r, log1p_series<2, n>(r), small + ((K - hi) + r));
+        const V q = single ? polynomial<ln_poly::tail_ha_f>(r) : polynomial<ln_poly::tail_ha>(r);
+        return hi + mul_add(r * r, q, small + ((K - hi) + r));
     }
 }
 
