@@ -93,12 +93,13 @@ struct Set4 {
     static constexpr const double *c = tab::c4;
 };
 
-// A polynomial of ln_poly.hpp (highest degree first) by Estrin's scheme, the two lowest
-// coefficients added by Horner steps (their roundings are the ones that count).
-template <const auto &c, class V>
+// A polynomial of ln_poly.hpp (highest degree first) by Estrin's scheme; HA and LA add the two
+// lowest coefficients by Horner steps (their roundings are the ones that count), EP does not
+// need to.
+template <const auto &c, int horner_low = 2, class V>
 V polynomial(V r) {
     constexpr int n = std::size(c);
-    return estrin<n, 2>(r, [](auto i) { return splat<V>(static_cast<Elem<V>>(c[n - 1 - i])); });
+    return estrin<n, horner_low>(r, [](auto i) { return splat<V>(static_cast<Elem<V>>(c[n - 1 - i])); });
 }
 
 // The reduction of a positive normal x: k (lowered by shift), r = z*c_j - 1 and the interval j
@@ -142,12 +143,12 @@ template <Precision P, class V>
         const auto [k, r, j] = reduce<Set4>(x, shift);
         const V K = mul_add(k, constant<V>(Format<double>::ln2), permute_table<4>(tab::logc4, j));
         if constexpr (P == Precision::LA) return mul_add(r, polynomial<ln_poly::whole_la>(r), K);
-        else return mul_add(r, polynomial<ln_poly::whole_ep>(r), K);
+        else return mul_add(r, polynomial<ln_poly::whole_ep, 0>(r), K);
     } else if constexpr (P != Precision::HA && single) {
         const auto [k, r, j] = reduce<Set8<T>>(x, shift);
         const V K = mul_add(k, constant<V>(Format<float>::ln2), permute_table<8>(tab::logc8_f, j));
         if constexpr (P == Precision::LA) return mul_add(r, polynomial<ln_poly::whole_la_f>(r), K);
-        else return mul_add(r, polynomial<ln_poly::whole_ep_f>(r), K);
+        else return mul_add(r, polynomial<ln_poly::whole_ep_f, 0>(r), K);
     } else {
         // K = k L1 + logc_hi is exact and K + r is split exactly (Fast2Sum).
         const auto [k, r, j] = reduce<Set8<T>>(x, shift);
