@@ -310,8 +310,8 @@ struct BlendedHA {
     }
 };
 
-// A one-result function by pi/2: Kind::combine(x, a, s, c) picks the result from the reduced
-// argument and the pairs; Kind::carried asks for the carried sine pair in HA. Single precision
+// A one-result function by pi/2: Kind::combine<paired>(x, a, s, c) picks the result from the
+// reduced argument and the pairs; Kind::carried asks for the carried sine pair in HA. Single precision
 // runs in double lanes, rounded once, with `wide`, otherwise in float lanes.
 template <class Kind, class E, int sin_terms, int cos_terms, bool paired, int parts = 3, bool wide = true>
 struct ByHalfPi {
@@ -323,7 +323,8 @@ struct ByHalfPi {
     static D in_lanes(D x) {
         const Reduced<D> a = reduce<paired, parts>(x);
         const D z = a.r * a.r;
-        return Kind::combine(x, a, sin_pair<sin_terms, paired, carried>(a, z), cos_pair<cos_terms, paired>(a, z));
+        return Kind::template combine<paired>(x, a, sin_pair<sin_terms, paired, carried>(a, z),
+                                              cos_pair<cos_terms, paired>(a, z));
     }
     template <class V>
     static V eval(V x) {
