@@ -291,6 +291,13 @@ inline Mask<V> is_nan(V a) {
     else return ne(a, a);
 }
 
+// The lanes whose top bit is set, as a mask. Only the top bit of such a mask is meaningful; every
+// mask operation here reads only that bit (blends, movemask, testz) or works bit by bit.
+inline MD sign_lanes(QD a) { return {_mm256_castsi256_pd(a.v)}; }
+inline MF sign_lanes(QF a) { return {_mm256_castsi256_ps(a.v)}; }
+template <class U>
+inline bool sign_lanes(U a) requires std::is_unsigned_v<U> { return (a >> (sizeof(U) * 8 - 1)) != 0; }
+
 inline MD mask_or(MD a, MD b) { return {_mm256_or_pd(a.v, b.v)}; }
 inline MF mask_or(MF a, MF b) { return {_mm256_or_ps(a.v, b.v)}; }
 inline bool mask_or(bool a, bool b) { return a || b; }

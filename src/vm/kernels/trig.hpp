@@ -211,15 +211,15 @@ Pair<V> cos_pair(const Reduced<V> &a, V z) {
     }
 }
 
-// Lanes whose quadrant has bit `b` set, as a mask.
+// Lanes whose quadrant has bit `b` set, as a mask (the bit shifted to the top).
 template <int b, class V>
 Mask<V> quadrant_bit(Ints<V> q) {
-    return int_gt(q & splat_q<V>(1u << b), splat_q<V>(0));
+    return sign_lanes(shl<sizeof(Elem<V>) * 8 - 1 - b>(q));
 }
 // v with its sign flipped where bit 1 of q is set.
 template <class V>
 V flip_by(V v, Ints<V> q) {
-    return from_bits(bits(v) ^ shl<sizeof(Elem<V>) * 8 - 1>(shr<1>(q) & splat_q<V>(1)));
+    return from_bits(bits(v) ^ (shl<sizeof(Elem<V>) * 8 - 2>(q) & splat_q<V>(Constants<Elem<V>>::sign)));
 }
 
 // sin x and cos x from the pairs: quadrant 0: (s, c), 1: (c, -s), 2: (-s, -c), 3: (-c, s).
