@@ -1,8 +1,11 @@
 // A console reporter that also prints, after all runs, the speed ratio of every qon row to
 // every baseline row of the same kind and size measured in the same run. Rows are named
 // "<kind>/<implementation>/<n>"; qon's implementations start with "qon". With repetitions,
-// the median is used. Times are CPU times of the benchmark thread: on a shared, loaded machine
-// they are steadier than wall-clock times, and every compared row runs on one thread.
+// the median is used; run them with --benchmark_enable_random_interleaving=true, so that the
+// repetitions of every row are spread over the same stretch of time as its baselines' (on a
+// shared machine the speed drifts by tens of percent within a minute). Times are CPU times of
+// the benchmark thread: on a shared, loaded machine they are steadier than wall-clock times,
+// and every compared row runs on one thread.
 #pragma once
 
 #include <benchmark/benchmark.h>

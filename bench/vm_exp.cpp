@@ -7,7 +7,8 @@
 //                  fastest call is the one least disturbed by other processes)
 //   vs_<peer>      peer time / this row's time at the same n (above 1: this row is faster);
 //                  the peers run first, so each qon row carries its ratios.
-// Run: qon_bench_vm_exp --benchmark_repetitions=5 --benchmark_report_aggregates_only=true
+// Run: qon_bench_vm_exp --benchmark_repetitions=9 --benchmark_enable_random_interleaving=true
+//      --benchmark_report_aggregates_only=true --benchmark_min_time=0.05
 #include <benchmark/benchmark.h>
 #include <immintrin.h>
 #include <qon/qon_pax.h>

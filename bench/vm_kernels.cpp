@@ -11,7 +11,8 @@
 // (double) and [1e-15, 1e15] (single); Sin, Cos, SinCos, Tan uniform in [-100, 100]; ErfInv
 // uniform in [-1, 1), against a scalar loop over GSL's inverse normal distribution function.
 // Exp (the exponential): uniform in [-700, 700] (double) and [-87, 88] (single); SLEEF u10 only.
-// Run: qon_bench_vm_kernels --benchmark_repetitions=5 --benchmark_report_aggregates_only=true
+// Run: qon_bench_vm_kernels --benchmark_repetitions=9 --benchmark_enable_random_interleaving=true
+//      --benchmark_report_aggregates_only=true --benchmark_min_time=0.05
 #include <benchmark/benchmark.h>
 #include <immintrin.h>
 #include <qon/qon_pax.h>

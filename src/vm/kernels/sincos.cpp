@@ -1,8 +1,9 @@
 // SinCos: sin x (first result) and cos x (second) from one reduction by pi/2 and one pair of
 // polynomials of trig.hpp:
 //   double HA: paired reduction, 8 and 7 Taylor terms; LA: plain reduction, 8 and 7 terms;
-//   EP: two constants, 4 and 4 terms (truncation 2^-28); single, every slot: the double EP
-//   evaluation in double lanes, rounded once.
+//   EP: two constants, 4 and 4 terms (truncation 2^-28); single HA: the double EP evaluation in
+//   double lanes, rounded once; single LA and EP: 4 and 4 terms in float lanes with three float
+//   constants.
 // Lanes with |x| > 2^20 (and, paired, within 2^-30 of a multiple of pi/2), infinities and NaN
 // go to the scalar routine: sinl and cosl rounded once; +-inf is a domain error (two NaN).
 // sin(+-0) = +-0 is kept by selecting x at zero.
@@ -15,7 +16,8 @@ namespace {
 
 using namespace qon::vm::trig;
 
-template <class E, int sin_terms, int cos_terms, bool paired, int parts = 3>
+// `wide`: single precision in double lanes, rounded once (otherwise in float lanes).
+template <class E, int sin_terms, int cos_terms, bool paired, int parts = 3, bool wide = true>
 struct SinCos {
     using T = E;
     static constexpr int results = 2;
@@ -31,7 +33,7 @@ struct SinCos {
     }
     template <class V>
     static void eval(V x, V &sin_x, V &cos_x) {
-        if constexpr (std::is_same_v<V, VF>) {
+        if constexpr (std::is_same_v<V, VF> && wide) {
             VD s_lo, c_lo, s_hi, c_hi;
             in_lanes(to_double_lo(x), s_lo, c_lo);
             in_lanes(to_double_hi(x), s_hi, c_hi);
@@ -55,9 +57,10 @@ struct SinCos {
 using SinCosLA = SinCos<double, 8, 7, false>;
 using SinCosHA = SinCos<double, 8, 7, true>;
 using SinCosEP = SinCos<double, 4, 4, false, 2>;
-using SinCosFloat = SinCos<float, 4, 4, false, 2>;
+using SinCosSingleHA = SinCos<float, 4, 4, false, 2>;
+using SinCosSingle = SinCos<float, 4, 4, false, 3, false>;
 
 }  // namespace
 
 QON_VM_VECTOR_KERNELS_U2(d, SinCos, double, SinCosLA, SinCosHA, SinCosEP)
-QON_VM_VECTOR_KERNELS_U2(s, SinCos, float, SinCosFloat, SinCosFloat, SinCosFloat)
+QON_VM_VECTOR_KERNELS_U2(s, SinCos, float, SinCosSingle, SinCosSingleHA, SinCosSingle)
