@@ -1,6 +1,7 @@
 // The vector layer and the vector kernel driver that the exponential kernels are built on.
 // Layer: one method template evaluated over the four-lane and eight-lane types and over their
-// one-lane forms must agree bit for bit; masked loads and stores touch exactly their lanes.
+// one-lane forms must agree bit for bit; masked loads and stores touch exactly their lanes; the
+// polynomial schemes add every coefficient once at its power.
 // Driver: a two-result method with a lane test and a status-returning scalar routine, run at
 // every length, lane position, increment and in place, against an element-by-element oracle.
 #include <gtest/gtest.h>
@@ -12,6 +13,7 @@
 #include <limits>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "vm/exp_reports.hpp"
@@ -100,6 +102,45 @@ TEST(VectorLayer, FloatsThroughDoubleRoundOnce) {
             ASSERT_TRUE(same_bits(r[l], in_double(x[i + l], f)));
         }
     }
+}
+
+// Estrin's scheme (with and without Horner steps at the low end) and the even/odd split: with
+// integer coefficients i + 1 at s = 1/2 every partial sum is exact, so a coefficient lost,
+// repeated or put at the wrong power shows as an inexact result.
+template <class V, int n, int horner_low>
+void expect_polynomial_sums() {
+    using T = Elem<V>;
+    const auto coef = [](auto i) { return splat<V>(T(i + 1)); };
+    T exact = 0;
+    for (int i = n - 1; i >= 0; --i) exact = exact * T(0.5) + T(i + 1);
+    alignas(32) T got[lanes<V>];
+    store(got, estrin<n, horner_low>(splat<V>(T(0.5)), coef));
+    EXPECT_EQ(got[0], exact) << "estrin n " << n << " horner_low " << horner_low;
+    store(got, even_odd<n>(splat<V>(T(0.5)), coef));
+    EXPECT_EQ(got[0], exact) << "even_odd n " << n;
+}
+template <class V, int... n>
+void expect_polynomials(std::integer_sequence<int, n...>) {
+    (expect_polynomial_sums<V, n + 1, 0>(), ...);
+    (expect_polynomial_sums<V, n + 3, 2>(), ...);
+}
+
+TEST(VectorLayer, PolynomialSchemesSumEveryCoefficientOnce) {
+    expect_polynomials<VD>(std::make_integer_sequence<int, 20>{});
+    expect_polynomials<VF>(std::make_integer_sequence<int, 14>{});
+    expect_polynomials<double>(std::make_integer_sequence<int, 20>{});
+}
+
+// A mask made from the top bits of integer lanes selects where that bit alone is set.
+TEST(VectorLayer, SignLaneMasksSelectByTheTopBit) {
+    alignas(32) const std::uint64_t q[4] = {0, 1, 2, 3};
+    alignas(32) double got[4];
+    const QD quadrant = {_mm256_load_si256(reinterpret_cast<const __m256i *>(q))};
+    store(got, select(sign_lanes(shl<63>(quadrant)), splat<VD>(1.0), splat<VD>(-1.0)));
+    for (int l = 0; l < 4; ++l) EXPECT_EQ(got[l], (q[l] & 1) ? 1.0 : -1.0) << l;
+    EXPECT_EQ(lane_bits(sign_lanes(shl<62>(quadrant))), 0b1100u);
+    EXPECT_TRUE(sign_lanes(std::uint64_t{1} << 63));
+    EXPECT_FALSE(sign_lanes(std::uint32_t{1} << 30));
 }
 
 template <class V>
