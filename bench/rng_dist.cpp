@@ -1,11 +1,9 @@
 // Distribution generators from an MCG31m1 stream against the C++ standard library's
 // distributions over std::mt19937_64 and GSL's Gaussian ziggurat, filling the same arrays in
 // blocks of 1000 and 10^7 doubles. Rows are "<distribution>/<implementation>/<n>"; the ratios
-// to the baselines are printed at the end. Box-Muller also runs with the thread's accuracy mode
-// set to LA and to EP (the generators call the kernels of the caller's mode; the default is HA).
+// to the baselines are printed at the end.
 // Run: qon_bench_rng_dist --benchmark_repetitions=9 --benchmark_enable_random_interleaving=true
 //      --benchmark_report_aggregates_only=true --benchmark_min_time=0.05
-#include <qon/qon_pax.h>
 #include <qon/qon_rok_dist.h>
 
 #include <functional>
@@ -44,13 +42,6 @@ RokStream *stream() {
     return s;
 }
 
-// Gaussian method `method` with the thread's vector-math accuracy set to `accuracy`.
-void in_mode(unsigned accuracy, int method, int n, double *r) {
-    const unsigned previous = paxSetMode(accuracy);
-    rokdRngGaussian(method, stream(), n, r, 0.0, 1.0);
-    paxSetMode(previous);
-}
-
 template <class Dist>
 Fill from_std(Dist dist) {
     return [dist](int n, double *r) mutable {
@@ -70,9 +61,6 @@ void register_all() {
     add("gaussian/qon boxmuller", [](int n, double *r) { rokdRngGaussian(0, stream(), n, r, 0.0, 1.0); });
     add("gaussian/qon boxmuller2", [](int n, double *r) { rokdRngGaussian(1, stream(), n, r, 0.0, 1.0); });
     add("gaussian/qon icdf", [](int n, double *r) { rokdRngGaussian(2, stream(), n, r, 0.0, 1.0); });
-    // The generators keep the caller's accuracy mode: Box-Muller with the LA and EP kernels.
-    add("gaussian/qon boxmuller LA mode", [](int n, double *r) { in_mode(PAX_LA, 0, n, r); });
-    add("gaussian/qon boxmuller EP mode", [](int n, double *r) { in_mode(PAX_EP, 0, n, r); });
     add("gaussian/std normal_distribution", from_std(std::normal_distribution<double>(0.0, 1.0)));
 #ifdef QON_HAVE_GSL
     add("gaussian/gsl ziggurat", [](int n, double *r) {
