@@ -10,9 +10,10 @@
 //         t = sqrt(w), erfinv = sign(x) g(t), polynomials in t - 3.25 on [2.5, 4] (degree 19)
 //         and t - 5 on [4, 6.07] (degree 17, 1 - |x| down to 2^-53), evaluated as in HA by
 //         every slot.
-// The logarithm is inline: P = 2^k m, m in [sqrt(2)/2, sqrt(2)), f = m - 1 exact,
-// s = f/(2 + f), ln(1 + f) = f - f^2/2 + s(f^2/2 + R(s^2)), R the atanh series (10 terms HA,
-// 9 LA, 4 EP).
+// The logarithm: LA and EP take the Ln kernels' method of their slot (ln_core.hpp: a short
+// factor from a table and a fitted polynomial, no division); HA's is inline as a pair:
+// P = 2^k m, m in [sqrt(2)/2, sqrt(2)), f = m - 1 exact, s = f/(2 + f),
+// ln(1 + f) = f - f^2/2 + s(f^2/2 + R(s^2)), R the atanh series of 10 terms.
 // HA carries the rounding errors: 1 - x^2 as a pair, the logarithm as a pair (k ln2_hi + f
 // exact, f^2/2 split by fma, compensated sums), u = w - 3.125 compensated; the low part of u
 // enters through p'(w) (a quadratic, 2% accurate, on a term below 2^-53 p); the last two
@@ -20,7 +21,7 @@
 // the far region t = sqrt(w) is corrected by (w - t^2 + w_lo)/(2t) (g'(t) = 1 within 4%).
 // Measured max error (accuracy harness, 1e6 arguments per region: uniform on (-1, 1),
 // log-uniform magnitudes, 1 - |x| log-uniform from 1/2 down to 2^-53): double HA 0.59 ulp,
-// LA 2.19 ulp (mostly the rounding of u = w - 3.125 near w = 0), EP 5.9e6 ulp (29 correct bits).
+// LA 2.2 ulp (mostly the rounding of u = w - 3.125 near w = 0), EP 6.0e6 ulp (29 correct bits).
 // Single: every slot evaluates the double EP method in double lanes and rounds once (relative
 // error below 2^-29 before rounding): measured 0.511 ulp (1e6 arguments per region).
 // Lanes with |x| >= 1, NaN, or |x| < 2^-969 (2^-125 single: where x p_lo or the result may be
@@ -34,6 +35,7 @@
 #include <limits>
 
 #include "vm/kernels/erfinv_poly.hpp"
+#include "vm/kernels/ln_core.hpp"
 #include "vm/kernels/special.hpp"
 #include "vm/kernels/vector_driver.hpp"
 
@@ -80,9 +82,9 @@ V series(V z) {
     });
 }
 
-// -ln P for 0 < P <= 1 normal (lanes of V), as w_hi + w_lo (paired) or w_hi alone. P_lo is
-// the low part of P, |P_lo| <= 2^-53 P (paired only).
-template <int N, bool paired, class V>
+// -ln P for 0 < P <= 1 normal (lanes of V) as the pair w_hi + w_lo, for HA: the atanh series of
+// N terms with the roundings carried. P_lo is the low part of P, |P_lo| <= 2^-53 P.
+template <int N, class V>
 [[gnu::always_inline]] inline void minus_log(V P, V P_lo, V &w_hi, V &w_lo) {
     const auto ix = bits(P);
     const auto e = shr<52>(ix + splat_q<V>(one_bits - root_half));  // biased exponent k + 1023
@@ -94,22 +96,17 @@ template <int N, bool paired, class V>
     const V R = z * series<N>(z);
     const V half_f = splat<V>(0.5) * f;
     const V hfsq = half_f * f;
-    if constexpr (!paired) {
-        const V tail = mul_add(k, constant<V>(ln2_lo), s * (hfsq + R));
-        w_hi = splat<V>(0.0) - mul_add(k, constant<V>(ln2_hi), f - (hfsq - tail));
-    } else {
-        // P_lo/P ~ 2^-k P_lo (1 - f + f^2): a 7% error on a term below 2^-53.
-        V b, e1, c, e2, sum, sum_lo;
-        fast_two_sum(k * constant<V>(ln2_hi), f, b, e1);
-        fast_two_sum(b, splat<V>(0.0) - hfsq, c, e2);
-        const V hfsq_lo = mul_sub(half_f, f, hfsq);
-        const V inverse_scale = from_bits(shl<52>(splat_q<V>(2046) - e));  // 2^-k
-        const V relative_lo = P_lo * inverse_scale * mul_add(f, f - splat<V>(1.0), splat<V>(1.0));
-        const V lo = ((e1 + e2) - hfsq_lo) + mul_add(k, constant<V>(ln2_lo), s * (hfsq + R)) + relative_lo;
-        fast_two_sum(c, lo, sum, sum_lo);
-        w_hi = splat<V>(0.0) - sum;
-        w_lo = splat<V>(0.0) - sum_lo;
-    }
+    // P_lo/P ~ 2^-k P_lo (1 - f + f^2): a 7% error on a term below 2^-53.
+    V b, e1, c, e2, sum, sum_lo;
+    fast_two_sum(k * constant<V>(ln2_hi), f, b, e1);
+    fast_two_sum(b, splat<V>(0.0) - hfsq, c, e2);
+    const V hfsq_lo = mul_sub(half_f, f, hfsq);
+    const V inverse_scale = from_bits(shl<52>(splat_q<V>(2046) - e));  // 2^-k
+    const V relative_lo = P_lo * inverse_scale * mul_add(f, f - splat<V>(1.0), splat<V>(1.0));
+    const V lo = ((e1 + e2) - hfsq_lo) + mul_add(k, constant<V>(ln2_lo), s * (hfsq + R)) + relative_lo;
+    fast_two_sum(c, lo, sum, sum_lo);
+    w_hi = splat<V>(0.0) - sum;
+    w_lo = splat<V>(0.0) - sum_lo;
 }
 
 // c[0 .. N-3] by Horner, then the last two steps a1 + u q and a0 + u (...) in double-double
@@ -130,21 +127,20 @@ template <class V, std::size_t N>
     low = ae + p2e + splat<V>(lo[1]) + extra;
 }
 
+// Terms of the HA logarithm's atanh series, and the main polynomial of each slot.
+constexpr int ha_log_terms = 10;
 template <int A>
 struct Slot;
 template <>
 struct Slot<HA> {
-    static constexpr int log_terms = 10;
     static constexpr auto &main = poly::main_ha;
 };
 template <>
 struct Slot<LA> {
-    static constexpr int log_terms = 9;
     static constexpr auto &main = poly::main_la;
 };
 template <>
 struct Slot<EP> {
-    static constexpr int log_terms = 4;
     static constexpr auto &main = poly::main_ep;
 };
 
@@ -152,7 +148,7 @@ struct Slot<EP> {
 // HA evaluation here (the pair w + w_lo recomputed unless the slot has it).
 template <int A, class V>
 [[gnu::noinline]] V far_tail(V x, V P, V P_lo, V w, V w_lo) {
-    if constexpr (A != HA) minus_log<Slot<HA>::log_terms, true>(P, P_lo, w, w_lo);
+    if constexpr (A != HA) minus_log<ha_log_terms>(P, P_lo, w, w_lo);
     const V t = sqrt(w);
     const V t_lo = (neg_mul_add(t, t, w) + w_lo) * (splat<V>(0.5) / t);
     const Mask<V> second = gt(t, splat<V>(far_split));
@@ -178,14 +174,14 @@ template <int A, class V>
     if constexpr (ha) {
         // u = w - centre + u_err exactly: above the centre (up to 2 centre) the difference is
         // exact and u_err = 0; below it |centre| >= |w| as the fast sum needs.
-        minus_log<Slot<A>::log_terms, true>(P, neg_mul_add(a, a, b - P), w, w_lo);
+        minus_log<ha_log_terms>(P, neg_mul_add(a, a, b - P), w, w_lo);
         V u, u_err, hi, lo;
         fast_two_sum(splat<V>(-main_centre), w, u, u_err);
         const V slope = polynomial(w, poly::main_slope);
         pair_polynomial(u, slope * (u_err + w_lo), Slot<A>::main, poly::main_ha_lo, hi, lo);
         y = mul_add(x, hi, x * lo);
     } else {
-        minus_log<Slot<A>::log_terms, false>(P, P, w, w_lo);
+        w = splat<V>(0.0) - qon::vm::ln_core::log_core<A>(P);
         y = x * polynomial(w - splat<V>(main_centre), Slot<A>::main);
     }
 

@@ -2,19 +2,18 @@
 // tan x = s/c in even quadrants and -c/s in odd ones, from the pairs (hi, lo) of sin r and
 // cos r. HA: t0 = (n_hi + n_lo)*(1/d) is corrected by the residual of the pairs,
 // t = t0 + ((n_hi - t0*d_hi) + (n_lo - t0*d_lo))/d, the first difference in one fused
-// rounding, so the quotient itself adds little beyond the final rounding (also in float lanes,
-// where one division of the rounded values costs 3.4 ulp); double LA and EP divide once.
+// rounding, so the quotient itself adds little beyond the final rounding; EP, and single HA in
+// double lanes, divide the rounded values once (in LA that costs up to 3.3 ulp).
 //   double HA: paired reduction, the sine's -r^3/6 carried, 8 and 7 Taylor terms; LA: plain
 //   reduction, 8 and 7 terms;
 //   EP: two constants, 4 and 4 terms (truncation 2^-28); single HA: the double EP evaluation in
 //   double lanes, rounded once; single LA and EP: the same in float lanes with three float
-//   constants. Measured (3e6 arguments): double HA 0.59 ulp, LA 2.97, EP 2.4e7 ulp (28 bits);
+//   constants. Measured (3e6 arguments): double HA 0.59 ulp, LA 2.64, EP 2.4e7 ulp (28 bits);
 //   single HA 0.54 ulp, LA and EP 2.76 ulp.
 // There is no exact pole in floating point: finite x never reports. Lanes with |x| > 2^20,
 // infinities and NaN go to the scalar routine: tanl rounded once, +-inf a domain error (NaN).
 // tan(+-0) = +-0 is kept by selecting x at zero.
 #include <cmath>
-#include <type_traits>
 
 #include "vm/kernels/trig.hpp"
 
@@ -24,11 +23,11 @@ using namespace qon::vm::trig;
 
 struct TanKind {
     static constexpr bool carried = true;
-    template <bool paired, class V>
+    template <bool quick, class V>
     static V combine(V x, const Reduced<V> &a, Pair<V> s, Pair<V> c) {
         const Mask<V> odd = quadrant_bit<0, V>(a.q);
         V t;
-        if constexpr (paired || std::is_same_v<Elem<V>, float>) {
+        if constexpr (!quick) {
             const Pair<V> num{select(odd, c.hi, s.hi), select(odd, c.lo, s.lo)};
             const Pair<V> den{select(odd, s.hi, c.hi), select(odd, s.lo, c.lo)};
             const V inv = splat<V>(1.0) / den.value();

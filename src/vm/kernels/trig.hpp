@@ -310,10 +310,11 @@ struct BlendedHA {
     }
 };
 
-// A one-result function by pi/2: Kind::combine<paired>(x, a, s, c) picks the result from the
-// reduced argument and the pairs; Kind::carried asks for the carried sine pair in HA. Single precision
+// A one-result function by pi/2: Kind::combine<quick>(x, a, s, c) picks the result from the
+// reduced argument and the pairs (`quick`: the slot's accuracy allows the shorter form); Kind::carried asks for the carried sine pair in HA. Single precision
 // runs in double lanes, rounded once, with `wide`, otherwise in float lanes.
-template <class Kind, class E, int sin_terms, int cos_terms, bool paired, int parts = 3, bool wide = true>
+template <class Kind, class E, int sin_terms, int cos_terms, bool paired, int parts = 3, bool wide = true,
+          bool quick = false>
 struct ByHalfPi {
     static constexpr bool carried = paired && Kind::carried;
     using T = E;
@@ -323,8 +324,8 @@ struct ByHalfPi {
     static D in_lanes(D x) {
         const Reduced<D> a = reduce<paired, parts>(x);
         const D z = a.r * a.r;
-        return Kind::template combine<paired>(x, a, sin_pair<sin_terms, paired, carried>(a, z),
-                                              cos_pair<cos_terms, paired>(a, z));
+        return Kind::template combine<quick>(x, a, sin_pair<sin_terms, paired, carried>(a, z),
+                                             cos_pair<cos_terms, paired>(a, z));
     }
     template <class V>
     static V eval(V x) {
@@ -348,9 +349,9 @@ using HalfPiHA = ByHalfPi<Kind, double, 8, 7, true>;
 template <class Kind>
 using HalfPiLA = ByHalfPi<Kind, double, 8, 7, false>;
 template <class Kind>
-using HalfPiEP = ByHalfPi<Kind, double, 4, 4, false, 2>;
+using HalfPiEP = ByHalfPi<Kind, double, 4, 4, false, 2, true, true>;
 template <class Kind>
-using HalfPiSingleHA = ByHalfPi<Kind, float, 4, 4, false, 2>;
+using HalfPiSingleHA = ByHalfPi<Kind, float, 4, 4, false, 2, true, true>;
 template <class Kind>
 using HalfPiSingle = ByHalfPi<Kind, float, 4, 4, false, 3, false>;
 

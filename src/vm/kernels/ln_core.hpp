@@ -1,0 +1,137 @@
+// The logarithm's method, shared by the Ln kernels (ln.cpp) and the LA and EP inverse error
+// function (erfinv.cpp): x = 2^k z with z in [OFF, 2 OFF), OFF ~ 0.7; the bits of z just past
+// the offset pick one of N intervals and its short factor c_j ~ 1/z (ln_tables.hpp, read with
+// register permutes); r = z c_j - 1 is exact, and ln x = k ln2 - ln c_j + log1p(r) with log1p
+// by the fitted polynomials of ln_poly.hpp. log_core<A> takes positive normal lanes; the
+// methods and their error bounds are described in ln.cpp.
+#pragma once
+
+#include <cstdint>
+#include <iterator>
+
+#include "vm/kernels/element_loop.hpp"
+#include "vm/kernels/ln_poly.hpp"
+#include "vm/kernels/ln_tables.hpp"
+#include "vm/kernels/simd.hpp"
+
+namespace qon::vm::ln_core {
+
+using namespace qon::simd;
+namespace tab = qon::vm::ln_tables;
+
+// Bit patterns of an element type: 1.0 and the shifter that turns a biased exponent into a
+// float (2^52, 2^23), and ln 2 rounded.
+template <class T>
+struct Format;
+template <>
+struct Format<double> {
+    static constexpr std::uint64_t one = 0x3FF0000000000000;
+    static constexpr std::uint64_t shifter = 0x4330000000000000;  // 2^52
+    static constexpr int mantissa = 52;
+    static constexpr double bias = 4503599627370496.0 + 1023.0;
+    static constexpr std::uint64_t ln2 = 0x3FE62E42FEFA39EF;     // 0.6931471805599453
+    static constexpr std::uint64_t ln2_hi = 0x3FE62E42FEFA3800;  // L1: ln 2 rounded to a multiple of 2^-42
+    static constexpr std::uint64_t ln2_lo = 0x3D2EF35793C76730;  // L2: RN(ln 2 - L1)
+};
+template <>
+struct Format<float> {
+    static constexpr std::uint32_t one = 0x3F800000;
+    static constexpr std::uint32_t shifter = 0x4B000000;  // 2^23
+    static constexpr int mantissa = 23;
+    static constexpr float bias = 8388608.0f + 127.0f;
+    static constexpr std::uint32_t ln2 = 0x3F317218;     // 0.693147182
+    static constexpr std::uint32_t ln2_hi = 0x3F317200;  // L1: ln 2 rounded to a multiple of 2^-16
+    static constexpr std::uint32_t ln2_lo = 0x35BFBE8E;  // L2: RN(ln 2 - L1)
+};
+// The table sets (ln_tables.hpp): the bits of the interval number, the offset OFF of the z
+// range (the same point in double and float), c_j.
+// Set8 also gives -ln c_j as hi + lo (hi a multiple of 2^-42 in double, 2^-16 in float, so that
+// k L1 + hi is exact).
+template <class T>
+struct Set8;
+template <>
+struct Set8<double> {
+    static constexpr int bits = 3;
+    static constexpr std::uint64_t offset = 0x3FE6AAAAA0000000;  // 0.70833331346511841
+    static constexpr const double *c = tab::c8, *logc_hi = tab::logc8_hi, *logc_lo = tab::logc8_lo;
+};
+template <>
+struct Set8<float> {
+    static constexpr int bits = 3;
+    static constexpr std::uint32_t offset = 0x3F355555;  // the same point
+    static constexpr const float *c = tab::c8_f, *logc_hi = tab::logc8_hi_f, *logc_lo = tab::logc8_lo_f;
+};
+struct Set4 {
+    static constexpr int bits = 2;
+    static constexpr std::uint64_t offset = 0x3FE5555540000000;  // 0.66666662693023682
+    static constexpr const double *c = tab::c4;
+};
+
+// A polynomial of ln_poly.hpp (highest degree first) by Estrin's scheme; HA and LA add the two
+// lowest coefficients by Horner steps (their roundings are the ones that count), EP does not
+// need to.
+template <const auto &c, int horner_low = 2, class V>
+V polynomial(V r) {
+    constexpr int n = std::size(c);
+    return estrin<n, horner_low>(r, [](auto i) { return splat<V>(static_cast<Elem<V>>(c[n - 1 - i])); });
+}
+
+// The reduction of a positive normal x: k (lowered by shift), r = z*c_j - 1 and the interval j
+// (in the low bits of each lane; the bits above are ignored by the lookups).
+template <class V>
+struct Reduced {
+    V k, r;
+    Ints<V> j;
+};
+template <class Set, class V>
+[[gnu::always_inline]] inline Reduced<V> reduce(V x, Elem<V> shift) {
+    using F = Format<Elem<V>>;
+    constexpr int m = F::mantissa;
+    const auto ix = bits(x);
+    V k, z;
+    Ints<V> t;
+    if constexpr (std::is_same_v<Elem<V>, float>) {
+        t = ix - splat_q<V>(Set::offset);  // k in the exponent field, as a signed integer
+        const auto ki = sra<m>(t);
+        z = from_bits(ix - shl<m>(ki));
+        k = int_to_float(ki);
+    } else {
+        t = ix + splat_q<V>(F::one - Set::offset);  // k + 1023 in the exponent field
+        const auto e = shr<m>(t);
+        z = from_bits(ix - shl<m>(e) + splat_q<V>(F::one));
+        k = from_bits(e + splat_q<V>(F::shifter)) - splat<V>(F::bias);
+    }
+    if (shift != 0) k = k - splat<V>(shift);
+    const auto j = shr<m - Set::bits>(t);
+    const V r = mul_sub(z, permute_table<(1 << Set::bits)>(Set::c, j), splat<V>(1));
+    return {k, r, j};
+}
+
+// ln x for positive normal x (lanes of V), k lowered by `shift`. Inlined into the kernels' loops
+// (a call would pass the vectors through memory).
+template <int A, class V>
+[[gnu::always_inline]] inline V log_core(V x, Elem<V> shift = 0) {
+    using T = Elem<V>;
+    constexpr bool single = std::is_same_v<T, float>;
+    if constexpr (A != HA && !single) {
+        const auto [k, r, j] = reduce<Set4>(x, shift);
+        const V K = mul_add(k, constant<V>(Format<double>::ln2), permute_table<4>(tab::logc4, j));
+        if constexpr (A == LA) return mul_add(r, polynomial<ln_poly::whole_la>(r), K);
+        else return mul_add(r, polynomial<ln_poly::whole_ep, 0>(r), K);
+    } else if constexpr (A != HA && single) {
+        const auto [k, r, j] = reduce<Set8<T>>(x, shift);
+        const V K = mul_add(k, constant<V>(Format<float>::ln2), permute_table<8>(tab::logc8_f, j));
+        if constexpr (A == LA) return mul_add(r, polynomial<ln_poly::whole_la_f>(r), K);
+        else return mul_add(r, polynomial<ln_poly::whole_ep_f, 0>(r), K);
+    } else {
+        // K = k L1 + logc_hi is exact and K + r is split exactly (Fast2Sum).
+        const auto [k, r, j] = reduce<Set8<T>>(x, shift);
+        const V K = mul_add(k, constant<V>(Format<T>::ln2_hi), permute_table<8>(Set8<T>::logc_hi, j));
+        const V hi = K + r;
+        const V small = mul_add(k, constant<V>(Format<T>::ln2_lo), permute_table<8>(Set8<T>::logc_lo, j));
+        const V q = single ? polynomial<ln_poly::tail_ha_f>(r) : polynomial<ln_poly::tail_ha>(r);
+        return hi + mul_add(r * r, q, small + ((K - hi) + r));
+    }
+}
+
+}  // namespace qon::vm::ln_core
