@@ -311,8 +311,9 @@ struct BlendedHA {
 };
 
 // A one-result function by pi/2: Kind::combine<quick>(x, a, s, c) picks the result from the
-// reduced argument and the pairs (`quick`: the slot's accuracy allows the shorter form); Kind::carried asks for the carried sine pair in HA. Single precision
-// runs in double lanes, rounded once, with `wide`, otherwise in float lanes.
+// reduced argument and the pairs (`quick`: the slot's accuracy allows the shorter form);
+// Kind::carried asks for the carried sine pair in HA. Single precision runs in double lanes,
+// rounded once, with `wide`, otherwise in float lanes.
 template <class Kind, class E, int sin_terms, int cos_terms, bool paired, int parts = 3, bool wide = true,
           bool quick = false>
 struct ByHalfPi {
