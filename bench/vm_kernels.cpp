@@ -11,8 +11,8 @@
 // (double) and [1e-15, 1e15] (single); Sin, Cos, SinCos, Tan uniform in [-100, 100]; ErfInv
 // uniform in [-1, 1), against a scalar loop over GSL's inverse normal distribution function.
 // Exp (the exponential): uniform in [-700, 700] (double) and [-87, 88] (single); SLEEF u10 only.
-// Run: qon_bench_vm_kernels --benchmark_repetitions=9 --benchmark_enable_random_interleaving=true
-//      --benchmark_report_aggregates_only=true --benchmark_min_time=0.05
+// Run: qon_bench_vm_kernels --benchmark_repetitions=11 --benchmark_enable_random_interleaving=true
+//      --benchmark_report_aggregates_only=true --benchmark_min_time=0.1
 #include <benchmark/benchmark.h>
 #include <immintrin.h>
 #include <qon/qon_pax.h>
@@ -76,7 +76,7 @@ using Kernel = std::function<void(int, const T *, T *, T *)>;
 
 template <class T>
 void add(const std::string &row, Domain d, Kernel<T> k) {
-    benchmark::RegisterBenchmark(row.c_str(), [d, k](benchmark::State &state) {
+    qon_bench::fastest(benchmark::RegisterBenchmark(row.c_str(), [d, k](benchmark::State &state) {
         const auto n = static_cast<std::size_t>(state.range(0));
         const std::vector<T> &x = arguments<T>(d, n);
         std::vector<T> r1(n), r2(n);
@@ -87,7 +87,7 @@ void add(const std::string &row, Domain d, Kernel<T> k) {
             benchmark::ClobberMemory();
         }
         state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * n));
-    })->Arg(1000)->Arg(1000000);
+    }))->Arg(1000)->Arg(1000000);
 }
 
 // A loop over a four-double or eight-float vector function (n a multiple of the lanes).
