@@ -2,7 +2,8 @@
 //
 // Measured errors: max over 1e7 arguments per region of the accuracy tests (log-uniform over the
 // range, [0.5, 2], next to 1, the interval boundaries).
-// Method: x = 2^k z with z in [OFF, 2 OFF), OFF ~ 0.7 (k and z from the bits); the mantissa bits
+// Method (ln_core.hpp, shared with the inverse error function): x = 2^k z with z in
+// [OFF, 2 OFF), OFF ~ 0.7 (k and z from the bits); the mantissa bits
 // of z just past the offset pick one of N intervals and its short factor c_j ~ 1/z (c = 1 on
 // the interval of 1), read from ln_tables.hpp with register permutes (no gather, no division);
 // r = z c_j - 1 is exact (one fused multiply-subtract: c_j has at most 7 bits and
