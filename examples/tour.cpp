@@ -8,7 +8,7 @@ int main() {
     tour_vector_math();
     tour_exp();
     tour_elementary();
-    tour_special();
+    tour_higher_functions();
     tour_complex();
     tour_streams();
     tour_generators();

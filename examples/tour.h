@@ -4,7 +4,7 @@
 void tour_vector_math();
 void tour_exp();
 void tour_elementary();
-void tour_special();
+void tour_higher_functions();
 void tour_complex();
 void tour_streams();
 void tour_generators();

@@ -4,7 +4,7 @@
 // x/sqrt(2) (relative 2^-64, amplified by x^2 in erfc) does not reach the result.
 // CdfNorm(-inf) = +0, CdfNorm(+inf) = 1. Underflow (status 4) below -37.52 (double) or -13.11
 // (float), where the result is subnormal; below -38.5 (double) it is +0.
-#include "vm/kernels/special.hpp"
+#include "vm/kernels/higher_functions.hpp"
 
 namespace {
 using namespace qon::vm::special;

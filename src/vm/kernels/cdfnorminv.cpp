@@ -4,7 +4,7 @@
 // 0.5 + 2^-9 ulp), accurate down to the smallest subnormal p. CdfNormInv(1/2) = +0;
 // p = +-0 gives -inf and p = 1 gives +inf with status 2 (singularity); p < 0 or p > 1 gives
 // NaN with status 1 (domain).
-#include "vm/kernels/special.hpp"
+#include "vm/kernels/higher_functions.hpp"
 
 namespace {
 using namespace qon::vm::special;

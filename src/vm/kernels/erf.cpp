@@ -2,7 +2,7 @@
 // 0.5 + 2^-9 ulp); double LA and EP take the C library's erf (measured within 1 ulp); float
 // rounds the double erf once. erf(+-0) = +-0, erf(+-inf) = +-1. No argument is exceptional:
 // |erf(x)| >= 1.128 |x| near zero, so a normal argument never gives a subnormal result.
-#include "vm/kernels/special.hpp"
+#include "vm/kernels/higher_functions.hpp"
 
 namespace {
 using namespace qon::vm::special;

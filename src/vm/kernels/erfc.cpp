@@ -3,7 +3,7 @@
 // erfc (measured within 3.1 ulp); float rounds the double erfc once. erfc(-inf) = 2,
 // erfc(+inf) = +0. Underflow (status 4) from x = 26.55 (double) or 9.19 (float) on, where the
 // result is subnormal; beyond 27.3 (double) it is +0.
-#include "vm/kernels/special.hpp"
+#include "vm/kernels/higher_functions.hpp"
 
 namespace {
 using namespace qon::vm::special;

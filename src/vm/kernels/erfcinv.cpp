@@ -4,7 +4,7 @@
 // 0.5 + 2^-9 ulp. erfcinv(2 - x) = -erfcinv(x) with 2 - x exact. erfcinv(1) = +0;
 // erfcinv(+-0) = +inf and erfcinv(2) = -inf with status 2 (singularity); x < 0 or x > 2 gives
 // NaN with status 1 (domain).
-#include "vm/kernels/special.hpp"
+#include "vm/kernels/higher_functions.hpp"
 
 namespace {
 using namespace qon::vm::special;

@@ -28,7 +28,7 @@
 // subnormal) go to the scalar routine, which defines the statuses: erfinv(+-1) = +-inf (2,
 // singularity), |x| > 1 gives NaN (1, domain), NaN gives NaN unreported, +-0 gives +-0, and a
 // normal x whose result is subnormal reports underflow (4). It refines an estimate by Halley's
-// method on erf or erfc in extended precision (special.hpp) and rounds once: within
+// method on erf or erfc in extended precision (higher_functions.hpp) and rounds once: within
 // 0.5 + 2^-9 ulp.
 #include <cmath>
 #include <cstdint>
@@ -36,7 +36,7 @@
 
 #include "vm/kernels/erfinv_poly.hpp"
 #include "vm/kernels/ln_core.hpp"
-#include "vm/kernels/special.hpp"
+#include "vm/kernels/higher_functions.hpp"
 #include "vm/kernels/vector_driver.hpp"
 
 namespace {

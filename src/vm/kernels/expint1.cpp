@@ -5,7 +5,7 @@
 // method to 2^-66. Within 0.5 + 2^-8 ulp. E1(+inf) = +0; E1(+-0) = +inf with status 2
 // (singularity); x < 0 gives NaN with status 1 (domain: E1 is complex there). Underflow
 // (status 4) from 701.8 (double) or 98.0 (float) on, where the result is subnormal.
-#include "vm/kernels/special.hpp"
+#include "vm/kernels/higher_functions.hpp"
 
 namespace {
 using namespace qon::vm::special;

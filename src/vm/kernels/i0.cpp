@@ -1,8 +1,8 @@
-// I0: the modified Bessel function of the first kind of order 0; one routine for every
-// accuracy. Power series below 30 and the asymptotic series beyond, in extended precision
-// (special.hpp), rounded once: within 0.5 + 2^-8 ulp. I0(+-0) = 1, I0(+-inf) = +inf. Overflow
-// (status 3) beyond |x| = 713.99 (double) or 91.9 (float).
-#include "vm/kernels/special.hpp"
+// I0: the modified Bessel function of the first kind of order 0; one routine for every accuracy.
+// Power series below 30 and the asymptotic series beyond, in extended precision
+// (higher_functions.hpp), rounded once: within 0.5 + 2^-8 ulp. I0(+-0) = 1, I0(+-inf) = +inf.
+// Overflow (status 3) beyond |x| = 713.99 (double) or 91.9 (float).
+#include "vm/kernels/higher_functions.hpp"
 
 namespace {
 using namespace qon::vm::special;

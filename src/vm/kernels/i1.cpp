@@ -1,9 +1,9 @@
 // I1: the modified Bessel function of the first kind of order 1 (odd); one routine for every
 // accuracy. Power series below 30 and the asymptotic series beyond, in extended precision
-// (special.hpp), rounded once: within 0.5 + 2^-8 ulp. I1(+-0) = +-0, I1(+-inf) = +-inf.
+// (higher_functions.hpp), rounded once: within 0.5 + 2^-8 ulp. I1(+-0) = +-0, I1(+-inf) = +-inf.
 // Overflow (status 3) beyond |x| = 713.98 (double) or 91.9 (float); underflow (status 4) for
 // normal x below 2^-1021 (double) or 2^-125 (float), where x/2 is subnormal.
-#include "vm/kernels/special.hpp"
+#include "vm/kernels/higher_functions.hpp"
 
 namespace {
 using namespace qon::vm::special;

@@ -4,7 +4,7 @@
 // the result (HA; 4 LA) away from the zeros and within 1 ulp (4 LA) of the envelope
 // sqrt(2/(pi |x|)) absolutely for |x| >= 0.8 (see the accuracy tests for the measured figures).
 // J0(+-inf) = +0; no argument is exceptional.
-#include "vm/kernels/special.hpp"
+#include "vm/kernels/higher_functions.hpp"
 
 namespace {
 using namespace qon::vm::special;

@@ -4,7 +4,7 @@
 // sqrt(2/(pi |x|)) for |x| >= 1, within 1 ulp (4 LA) of the result elsewhere.
 // J1(+-0) = +-0, J1(+-inf) = +-0. Underflow (status 4) for normal x below 2^-1021 (double) or
 // 2^-125 (float), where x/2 is subnormal.
-#include "vm/kernels/special.hpp"
+#include "vm/kernels/higher_functions.hpp"
 
 namespace {
 using namespace qon::vm::special;

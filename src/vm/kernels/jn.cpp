@@ -1,12 +1,12 @@
-// Jn: the Bessel function of the first kind of integer order nu. Double HA and LA evaluate jn
-// in extended precision and round once; double EP and float take the C library's double jn.
-// Near the zeros (|x| >= |nu|) the error is bounded absolutely, within 1 ulp (HA; 4 LA) of the
-// envelope sqrt(2/(pi |x|)); below the first zero the bound is relative. Orders whose value is
-// certainly below every subnormal (special.hpp) give a signed zero at once; the C library's cost
-// otherwise grows with the order. J_-n = (-1)^n J_n, J_n(-x) = (-1)^n J_n(x);
-// Jn(+-inf) = signed zero; Jn(0) = 1 for nu = 0 and a signed zero otherwise. Underflow
-// (status 4) where a normal x gives a subnormal or zero result.
-#include "vm/kernels/special.hpp"
+// Jn: the Bessel function of the first kind of integer order nu. Double HA and LA evaluate jn in
+// extended precision and round once; double EP and float take the C library's double jn. Near the
+// zeros (|x| >= |nu|) the error is bounded absolutely, within 1 ulp (HA; 4 LA) of the envelope
+// sqrt(2/(pi |x|)); below the first zero the bound is relative. Orders whose value is certainly
+// below every subnormal (higher_functions.hpp) give a signed zero at once; the C library's cost
+// otherwise grows with the order. J_-n = (-1)^n J_n, J_n(-x) = (-1)^n J_n(x); Jn(+-inf) = signed
+// zero; Jn(0) = 1 for nu = 0 and a signed zero otherwise. Underflow (status 4) where a normal x
+// gives a subnormal or zero result.
+#include "vm/kernels/higher_functions.hpp"
 
 namespace {
 using namespace qon::vm::special;

@@ -5,7 +5,7 @@
 // within 1 ulp (HA; 4 LA) of 1; elsewhere, the zeros 1 and 2 included, relatively.
 // LGamma(1) = LGamma(2) = +0, LGamma(+-inf) = +inf; at 0 and the negative integers +inf with
 // status 2 (singularity). Overflow (status 3) beyond 2.55e305 (double) or 4.08e36 (float).
-#include "vm/kernels/special.hpp"
+#include "vm/kernels/higher_functions.hpp"
 
 namespace {
 using namespace qon::vm::special;

@@ -5,7 +5,7 @@
 // (domain). Overflow (status 3) beyond 171.62 (double) or 35.04 (float) and for |x| below
 // 1/DBL_MAX or 1/FLT_MAX; underflow (status 4) for negative non-integers below about -177.7
 // (double) or -41.9 (float), where the result is subnormal or zero.
-#include "vm/kernels/special.hpp"
+#include "vm/kernels/higher_functions.hpp"
 
 namespace {
 using namespace qon::vm::special;

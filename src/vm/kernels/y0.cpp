@@ -4,7 +4,7 @@
 // sqrt(2/(pi x)) for x >= 0.8, within 1 ulp (4 LA) of the result elsewhere.
 // Y0(+inf) = +0; Y0(+-0) = -inf with status 2 (singularity); x < 0 gives NaN with status 1
 // (domain).
-#include "vm/kernels/special.hpp"
+#include "vm/kernels/higher_functions.hpp"
 
 namespace {
 using namespace qon::vm::special;

@@ -5,7 +5,7 @@
 // Y1(+inf) = +0; Y1(+-0) = -inf with status 2 (singularity); x < 0 gives NaN with status 1
 // (domain). Overflow (status 3) for subnormal x below 2/(pi DBL_MAX) (double) or for x below
 // 2/(pi FLT_MAX) (float), where -2/(pi x) passes the largest finite value.
-#include "vm/kernels/special.hpp"
+#include "vm/kernels/higher_functions.hpp"
 
 namespace {
 using namespace qon::vm::special;

@@ -1,12 +1,12 @@
-// Yn: the Bessel function of the second kind of integer order nu, x > 0. Double HA and LA
-// evaluate yn in extended precision and round once; double EP and float take the C library's
-// double yn. Near the zeros (x >= |nu|) the error is bounded absolutely, within 1 ulp (HA; 4 LA)
-// of the envelope sqrt(2/(pi x)); below the first zero the bound is relative. Orders whose value
-// certainly passes every finite value (special.hpp) give the infinity at once; the C library's
-// cost otherwise grows with the order. Y_-n = (-1)^n Y_n. Yn(+inf) = +0; Yn(+-0) = -inf
-// (+inf for odd negative orders) with status 2 (singularity); x < 0 gives NaN with status 1
-// (domain); overflow (status 3) where a finite x > 0 gives an infinite result.
-#include "vm/kernels/special.hpp"
+// Yn: the Bessel function of the second kind of integer order nu, x > 0. Double HA and LA evaluate
+// yn in extended precision and round once; double EP and float take the C library's double yn. Near
+// the zeros (x >= |nu|) the error is bounded absolutely, within 1 ulp (HA; 4 LA) of the envelope
+// sqrt(2/(pi x)); below the first zero the bound is relative. Orders whose value certainly passes
+// every finite value (higher_functions.hpp) give the infinity at once; the C library's cost
+// otherwise grows with the order. Y_-n = (-1)^n Y_n. Yn(+inf) = +0; Yn(+-0) = -inf (+inf for odd
+// negative orders) with status 2 (singularity); x < 0 gives NaN with status 1 (domain); overflow
+// (status 3) where a finite x > 0 gives an infinite result.
+#include "vm/kernels/higher_functions.hpp"
 
 namespace {
 using namespace qon::vm::special;

@@ -5,7 +5,7 @@
 
 #include <cstdio>
 
-void tour_special() {
+void tour_higher_functions() {
     std::printf("Special functions\n-----------------\n");
     // CdfNorm and CdfNormInv round-trip even where the probability is 1e-300; near 1 the rounding
     // of the probability itself limits the round trip.

@@ -1,7 +1,7 @@
 // Accuracy of the special functions in every slot of the s and d tables against __float128
 // references: libquadmath's erf, erfc, gamma and Bessel functions; Newton's method on them for
 // the inverse error functions; quadrature and series references for I0, I1 and E1
-// (special_reference.hpp). Bessel functions and lgamma at negative arguments are measured
+// (higher_functions_reference.hpp). Bessel functions and lgamma at negative arguments are measured
 // against the envelope of their oscillation near the zeros and relatively elsewhere.
 #include <gtest/gtest.h>
 #include <qon/qon_pax.h>
@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "common/accuracy.hpp"
-#include "vm/special_reference.hpp"
+#include "vm/higher_functions_reference.hpp"
 
 namespace {
 
