@@ -66,7 +66,7 @@ int main() {
                 "// degree first; see there for the functions, intervals and fitting).\n"
                 "#pragma once\n\n#include <bit>\n\nnamespace qon::vm::trig_poly {\n");
     emit<double>("sine_half_pi_7", sine_part, sine_weight, by_half_pi, 7);
-    emit<double>("cosine_half_pi_7", cosine_part, cosine_weight, by_half_pi, 7);
+    emit<double>("cosine_half_pi_6", cosine_part, cosine_weight, by_half_pi, 6);
     emit<double>("sine_pi_8", sine_part, sine_weight, by_pi, 8);
     emit<double>("sine_pi_5", sine_part, sine_weight, by_pi, 5, true);
     emit<float>("sine_pi_5f", sine_part, sine_weight, by_pi, 5);

@@ -1,15 +1,16 @@
 // Sin: sine, double and single precision, on the reductions and fitted polynomials of trig.hpp.
-//   double HA: by pi/2, paired, one polynomial per lane (S or C, 7 coefficients each), hi + lo
-//       rounded once.
+//   double HA: by pi/2, paired, the sine and cosine pairs of r in every lane (S 7 and C 6
+//       coefficients), the quadrant's pair rounded once.
 //   double LA: by pi, three constants, 8 coefficients.
-//   double EP: by pi, two constants, 5 coefficients (fit error 2^-32).
+//   double EP: by pi, two constants, 5 coefficients by Horner's scheme (fit error 2^-32), on
+//       |x| with the sign put back.
 //   single HA: by pi in double lanes, the 5 coefficients of double EP, rounded once; LA: in
 //       float lanes, three constants, 5 coefficients; EP: float lanes, 3 coefficients (2^-17).
-// Measured (3e7 arguments per slot, and the values next to k pi/2): double HA 0.779 ulp, LA
-// 2.33 ulp, EP 1.7e6 ulp (32 correct bits); single HA 0.503 ulp, LA 2.39 ulp, EP 124 ulp (17
+// Measured (3e6 arguments per slot, and the values next to k pi/2): double HA 0.792 ulp, LA
+// 2.18 ulp, EP 1.7e6 ulp (32 correct bits); single HA 0.503 ulp, LA 2.23 ulp, EP 124 ulp (17
 // bits). Lanes with |x| > 2^20, infinities and NaN go to the scalar routine: sinl rounded once,
 // +-inf a domain error (NaN). sin(+-0) = +-0: the HA method subtracts a low part that is +0
-// there, and the others select x at zero.
+// there, EP reduces |x| and puts the sign of x back, and the others select x at zero.
 #include <cmath>
 
 #include "vm/kernels/trig.hpp"

@@ -4,11 +4,11 @@
 // 24-bit floats). The first step r1 = x - N*C1 is exact: it is one fused multiply-add, and
 // for |x| >= 1 the difference is a multiple of ulp(C1) below 2, which fits the significand.
 //
-// By pi (Sin and Cos in every slot but double HA): m = round(x/pi - o), o = 0 for the sine and
-// 1/2 for the cosine, N = 2m + 2o, r = x - N*C1 - N*C2 [- N*C3] in [-pi/2, pi/2]; then
-// sin x = (-1)^m sin r and cos x = (-1)^(m+1) sin r, so one odd polynomial serves both:
-// sin r = r + r z S(z), z = r^2, S a polynomial fitted to (sin r - r)/(r z) on |r| <= pi/2
-// (trig_poly.hpp, made by tools/fit_trig.cpp).
+// By pi (Sin and Cos in every slot but double HA): m = round(x/pi) for the sine, f + 1/2 with
+// f = floor(x/pi) for the cosine, r = x - 2m C1 - 2m C2 [- 2m C3] in [-pi/2, pi/2]; then
+// sin x = (-1)^m sin r and cos x = (-1)^(f+1) sin r, so one odd polynomial serves both: sin r = r + r z S(z),
+// z = r^2, S a polynomial fitted to (sin r - r)/(r z) on |r| <= pi/2 (trig_poly.hpp, made by
+// tools/fit_trig.cpp).
 //
 // By pi/2, paired (double HA, and SinCos and Tan in every slot): n = round(2x/pi), quadrant
 // q = n mod 4, r = r1 - n*C2 rounded, lo = (r1 - r) - n*C2 its error: r1 - r is exact
@@ -17,11 +17,15 @@
 // |r| > 2^-31 and the omitted n*C3 < 2^-88 is below 2^-57 |r|.
 // sin r and cos r on |r| <= pi/4 + 2^-40 as unevaluated pairs (hi, lo): sin as (r, r z S(z) +
 // lo (1 - z/2)), whose low part is under 0.12 |r| so its rounding errors cost at most 0.3 ulp;
-// cos as w = 1 - z/2 with the rounding errors of z and w and the term -r lo carried in the low
-// part with z^2 C(z), so that hi + lo rounds once and the tangent can divide the pairs. The
-// double HA sine and cosine use S and C fitted on |r| <= pi/4 (7 coefficients each, errors
-// 2^-57 and 2^-59 relative as rounded); the pairs of the tangent and the sine-and-cosine use
-// Taylor coefficients (the tangent carries -1/6 exactly).
+// cos as w = 1 - z/2 with its rounding error and the term -r lo carried in the low part with
+// z^2 C(z), so that hi + lo rounds once and the tangent can divide the pairs. The double HA
+// sine, cosine and sine-and-cosine use S and C fitted on |r| <= pi/4 (7 and 6 coefficients,
+// errors 2^-57 and 2^-59.5 relative as rounded); the pairs of the tangent use Taylor
+// coefficients and carry -1/6 exactly.
+//
+// These kernels are bound less by how many operations they issue than by how long each
+// vector's chain of dependent operations is, which limits how many vectors are in flight: the
+// forms below are chosen for short chains (no N = 2m formed, the cosine's m from one floor).
 #pragma once
 
 #include <qon/qon_pax.h>
@@ -49,6 +53,9 @@ struct Constants<double> {
     static constexpr std::uint64_t pio2_1 = 0x3FF921FB54442D18;       // pi/2 rounded
     static constexpr std::uint64_t pio2_2 = 0x3C91A62633145C07;       // pi/2 - C1 rounded
     static constexpr std::uint64_t pio2_3 = 0xB91F1976B7ED8FBC;       // pi/2 - C1 - C2 rounded
+    static constexpr std::uint64_t pi_1 = 0x400921FB54442D18;         // 2 C1
+    static constexpr std::uint64_t pi_2 = 0x3CA1A62633145C07;         // 2 C2
+    static constexpr std::uint64_t pi_3 = 0xB92F1976B7ED8FBC;         // 2 C3
     static constexpr std::uint64_t sign = 0x8000000000000000;
 };
 template <>
@@ -59,6 +66,9 @@ struct Constants<float> {
     static constexpr std::uint32_t pio2_1 = 0x3FC90FDB;
     static constexpr std::uint32_t pio2_2 = 0xB33BBD2E;
     static constexpr std::uint32_t pio2_3 = 0xA6F72CED;
+    static constexpr std::uint32_t pi_1 = 0x40490FDB;  // 2 C1, 2 C2, 2 C3
+    static constexpr std::uint32_t pi_2 = 0xB3BBBD2E;
+    static constexpr std::uint32_t pi_3 = 0xA7772CED;
     static constexpr std::uint32_t sign = 0x80000000;
 };
 
@@ -96,32 +106,55 @@ struct Reduced {
 
 // ---- by pi -----------------------------------------------------------------------------------
 
+// How sine_by_pi forms sin r from z = r^2 and S(z):
+//   fused    r + r z S(z) in one rounding, clamped to [-1, 1] (the polynomial may overshoot 1
+//            near r = +-pi/2 by its error; the clamp keeps cos 0 = 1 exactly);
+//   product  r (1 + z S(z)), for single precision in double lanes: the extra rounding is not
+//            seen in the float result, the sign of a zero r is kept, and 1 + 2^-30 rounds to
+//            the float 1;
+//   bounded  min(|r| + |r| z S(z), 1) with the sign of r (EP): one comparison instead of two,
+//            no select at zero, and S by Horner's scheme, fewest multiplications.
+enum class Form { fused, product, bounded };
+
 // sin x (cosine false) or cos x (cosine true) for |x| <= 2^20, with `parts` constants of pi/2
-// and the fitted S of trig_poly.hpp; `product` evaluates r (1 + z S(z)) for single precision in
-// double lanes.
-template <bool cosine, const auto &S, int parts, bool product = false, class V>
-V sine_by_pi(V x) {
+// and the fitted S of trig_poly.hpp.
+template <bool cosine, const auto &S, int parts, Form form = Form::fused, class V>
+V sine_by_pi(V x0) {
     using E = Elem<V>;
+    // bounded: the sine is odd and the cosine even, so |x| is reduced and the sign of x put back
+    // on the sine; x = -0 gives -0 whatever the signs of the constants of pi.
+    const V x = form == Form::bounded ? abs(x0) : x0;
+    // The sine takes m = round(x/pi) from the shifter sum y; the cosine the nearest odd multiple
+    // of 1/2, floor(x/pi) + 1/2 (the shorter chain), and its parity from floor(x/pi) + shifter
+    // off that chain. r = x - m pi with the parts of pi/2 doubled (exact), so no N is formed.
     const V shifter = constant<V>(C<V>::shifter);
-    const V y = cosine ? mul_add(x, constant<V>(C<V>::inv_pi), splat<V>(E(-0.5))) + shifter
-                       : mul_add(x, constant<V>(C<V>::inv_pi), shifter);
-    const V m = y - shifter;
-    const V n = cosine ? mul_add(m, splat<V>(E(2)), splat<V>(E(1))) : m + m;
-    V r = neg_mul_add(n, constant<V>(C<V>::pio2_1), x);
-    r = neg_mul_add(n, constant<V>(C<V>::pio2_2), r);
-    if constexpr (parts == 3) r = neg_mul_add(n, constant<V>(C<V>::pio2_3), r);
+    V y, m;
+    if constexpr (cosine) {
+        const V f = floor(x * constant<V>(C<V>::inv_pi));
+        y = f + shifter;
+        m = f + splat<V>(E(0.5));
+    } else {
+        y = mul_add(x, constant<V>(C<V>::inv_pi), shifter);
+        m = y - shifter;
+    }
+    V r = neg_mul_add(m, constant<V>(C<V>::pi_1), x);
+    r = neg_mul_add(m, constant<V>(C<V>::pi_2), r);
+    if constexpr (parts == 3) r = neg_mul_add(m, constant<V>(C<V>::pi_3), r);
     const V z = r * r;
     // (-1)^m for the sine, (-1)^(m+1) for the cosine, from the low bit of m in y.
     const Ints<V> flip = cosine ? shl<sizeof(E) * 8 - 1>(bits(y)) ^ splat_q<V>(Constants<E>::sign)
                                 : shl<sizeof(E) * 8 - 1>(bits(y));
     const V one = splat<V>(E(1));
-    if constexpr (product) {
-        // r (1 + z S(z)): one more rounding, which the wide evaluation of a float result does
-        // not see; it keeps the sign of a zero r, and 1 + 2^-30 rounds to the float 1.
+    if constexpr (form == Form::product) {
         return from_bits(bits(r * mul_add(z, fitted<S>(z), one)) ^ flip);
+    } else if constexpr (form == Form::bounded) {
+        constexpr int k = std::size(S);
+        const V p = horner_every<0, 1, k>(z, [](auto i) { return splat<V>(static_cast<E>(S[k - 1 - i])); });
+        const V a = abs(r);
+        const V s = min(mul_add(a * z, p, a), one);
+        const Ints<V> sign = cosine ? bits(r) ^ bits(a) : bits(r) ^ bits(a) ^ bits(x0) ^ bits(x);
+        return from_bits(bits(s) ^ sign ^ flip);
     } else {
-        // The polynomial may overshoot 1 near r = +-pi/2 by its error; the clamp keeps
-        // |sin r| <= 1 (cos 0 = 1 exactly) at the cost of two comparisons.
         const V s = max(min(mul_add(r * z, fitted<S>(z), r), one), splat<V>(E(-1)));
         const V v = from_bits(bits(s) ^ flip);
         if constexpr (cosine) return v;
@@ -162,7 +195,7 @@ Mask<V> near_multiple(V x) {
     V y, n, r1;
     first_step(x, y, n, r1);
     using E = Elem<V>;
-    return mask_and(gt(abs(x), splat<V>(E(1))), lt(abs(r1), splat<V>(E(0x1p-30))));
+    return mask_and(int_gt(bits(abs(x)), bits(splat<V>(E(1)))), int_gt(bits(splat<V>(E(0x1p-30))), bits(abs(r1))));
 }
 
 template <class V>
@@ -230,35 +263,52 @@ void sin_cos(const Reduced<V> &a, V s, V c, V &sin_x, V &cos_x) {
     cos_x = flip_by(select(odd, s, c), a.q + splat_q<V>(1));
 }
 
-// Double HA sine or cosine by pi/2 with one polynomial per lane: lanes that need sin r
-// compute r + (r z S(z) + lo (1 - z/2)), lanes that need cos r compute w + (z^2 C(z) + e),
-// w = 1 - z/2 and e the rounding errors of z and w and -r lo, the coefficients of S or C
-// selected per lane (the fitted S and C of trig_poly.hpp).
+// sin r and cos r of a paired reduction (double HA), both in every lane, each as hi - m with m
+// the negated low part, so that the difference rounds once: sin r as r - m, m = z (r S(z) -
+// lo/2) - lo, i.e. r + r z S(z) + lo (1 - z/2); cos r as w - m, m = r lo - e - z^2 C(z), with
+// w = 1 - r^2/2 rounded once from the exact square (h = r/2 is exact) and e its rounding error,
+// itself one fused multiply-add from 1 - w (exact, Sterbenz). The low parts are formed negated
+// so that at x = -0 the sine is -0 - (+0) = -0 without a select on x. S and C are the fitted
+// polynomials of trig_poly.hpp (7 and 6 coefficients, errors 2^-57 and 2^-59.5 relative as
+// rounded). Both pairs cost fewer multiplications than one polynomial with its coefficients
+// chosen per lane, which takes a blend for every coefficient.
+template <class V>
+struct Split {
+    V hi, minus_lo;
+    V value() const { return hi - minus_lo; }
+};
+template <class V>
+void half_pi_pairs(const Reduced<V> &a, Split<V> &s, Split<V> &c) {
+    const V one = splat<V>(1.0), half = splat<V>(0.5);
+    const V z = a.r * a.r, h = half * a.r;
+    const V w = neg_mul_add(h, a.r, one);
+    const V e = neg_mul_add(h, a.r, one - w);
+    constexpr auto &S = trig_poly::sine_half_pi_7;
+    constexpr auto &C = trig_poly::cosine_half_pi_6;
+    const V ps = even_odd<std::size(S)>(z, [](auto i) { return splat<V>(S[std::size(S) - 1 - i]); });
+    const V pc = even_odd<std::size(C)>(z, [](auto i) { return splat<V>(C[std::size(C) - 1 - i]); });
+    s = {a.r, mul_sub(z, neg_mul_add(a.r, ps, half * a.lo), a.lo)};
+    c = {w, neg_mul_add(z * z, pc, mul_sub(a.r, a.lo, e))};
+}
+
+// Double HA sine or cosine by pi/2: both pairs, the one of the lane's quadrant selected and
+// rounded once.
 template <bool cosine, class V>
 V sine_by_half_pi(V x) {
     const Reduced<V> a = reduce<true, 3>(x);
     const Ints<V> q = cosine ? a.q + splat_q<V>(1) : a.q;  // cos x = sin(x + pi/2)
     const Mask<V> odd = quadrant_bit<0, V>(q);
-    const V one = splat<V>(1.0), half = splat<V>(0.5);
-    const V z = a.r * a.r, hz = half * z, z2 = z * z;
-    const V w = one - hz;
-    // The low part is formed negated, -(e + tail) with e = cos_e or sin_e, and subtracted: at
-    // x = -0 it is +0 and r - (+0) keeps the sign of the zero, with no select on x.
-    const V minus_cos_e = mul_add(a.r, a.lo, mul_add(half, mul_sub(a.r, a.r, z), hz - (one - w)));
-    const V minus_sin_e = mul_sub(a.lo, hz, a.lo);
-    constexpr auto &S = trig_poly::sine_half_pi_7;
-    constexpr auto &C = trig_poly::cosine_half_pi_7;
-    constexpr int n = std::size(S);
-    static_assert(std::size(C) == n);
-    const V p = even_odd<n>(z, [&](auto i) { return select(odd, splat<V>(C[n - 1 - i]), splat<V>(S[n - 1 - i])); });
-    const V v = select(odd, w, a.r) - neg_mul_add(select(odd, z2, a.r * z), p, select(odd, minus_cos_e, minus_sin_e));
-    return flip_by(v, q);
+    Split<V> s, c;
+    half_pi_pairs(a, s, c);
+    return flip_by(select(odd, c.hi, s.hi) - select(odd, c.minus_lo, s.minus_lo), q);
 }
 
 // Lanes beyond the vector range, infinities and NaN go to the scalar routine.
+// The comparisons are of the magnitudes' bit patterns as integers (ordered as the values, NaN
+// above infinity), which keeps them off the multiply ports.
 template <class V>
 Mask<V> beyond(V x) {
-    return gt_or_nan(abs(x), splat<V>(Elem<V>(vector_limit)));
+    return int_gt(bits(abs(x)), bits(splat<V>(Elem<V>(vector_limit))));
 }
 
 // The scalar routine of every slot: f in long double (64-bit significand, full-range
@@ -279,14 +329,14 @@ V lanes_of(V x, F f) {
 
 // Sine or cosine by pi (Kind::cosine), the fitted polynomial S, `parts` constants; `wide` runs
 // single precision in double lanes.
-template <class Kind, class E, const auto &S, int parts, bool wide = false>
+template <class Kind, class E, const auto &S, int parts, Form form = Form::fused, bool wide = false>
 struct ByPi {
     using T = E;
     static constexpr int groups = std::is_same_v<E, double> || wide ? 4 : 2;
 
     template <class V>
     static V eval(V x) {
-        return lanes_of<wide>(x, [](auto d) { return sine_by_pi<Kind::cosine, S, parts, wide>(d); });
+        return lanes_of<wide>(x, [](auto d) { return sine_by_pi<Kind::cosine, S, parts, form>(d); });
     }
     template <bool tail, class V>
     static Mask<V> special(V x) { return beyond(x); }
@@ -343,8 +393,8 @@ struct ByHalfPi {
 };
 
 // Terms by pi/2 (|r| <= pi/4): double HA paired, S 8 and C 7 (truncation 2^-63); LA 8 and 7;
-// EP and single HA (in double lanes) 4 and 4, two constants (2^-28); single LA and EP in float
-// lanes, 4 and 4 with three float constants.
+// EP and single HA (in double lanes) 4 and 4, two constants (2^-28); single LA in float lanes,
+// 4 and 4 with three float constants; single EP 2 and 2 (truncation 2^-14) with the quick form.
 template <class Kind>
 using HalfPiHA = ByHalfPi<Kind, double, 8, 7, true>;
 template <class Kind>
@@ -355,6 +405,8 @@ template <class Kind>
 using HalfPiSingleHA = ByHalfPi<Kind, float, 4, 4, false, 2, true, true>;
 template <class Kind>
 using HalfPiSingle = ByHalfPi<Kind, float, 4, 4, false, 3, false>;
+template <class Kind>
+using HalfPiSingleEP = ByHalfPi<Kind, float, 2, 2, false, 3, false, true>;
 
 // Polynomials by pi (|r| <= pi/2; fit errors relative to sin r in trig_poly.hpp): double LA 8
 // coefficients (2^-54.6 as rounded), EP 5 with two constants (2^-33); single HA in double lanes
@@ -362,13 +414,13 @@ using HalfPiSingle = ByHalfPi<Kind, float, 4, 4, false, 3, false>;
 template <class Kind>
 using ByPiLA = ByPi<Kind, double, trig_poly::sine_pi_8, 3>;
 template <class Kind>
-using ByPiEP = ByPi<Kind, double, trig_poly::sine_pi_5, 2>;
+using ByPiEP = ByPi<Kind, double, trig_poly::sine_pi_5, 2, Form::bounded>;
 template <class Kind>
-using ByPiSingleHA = ByPi<Kind, float, trig_poly::sine_pi_5, 2, true>;
+using ByPiSingleHA = ByPi<Kind, float, trig_poly::sine_pi_5, 2, Form::product, true>;
 template <class Kind>
 using ByPiSingleLA = ByPi<Kind, float, trig_poly::sine_pi_5f, 3>;
 template <class Kind>
-using ByPiSingleEP = ByPi<Kind, float, trig_poly::sine_pi_3f, 3>;
+using ByPiSingleEP = ByPi<Kind, float, trig_poly::sine_pi_3f, 3, Form::bounded>;
 
 }  // namespace qon::vm::trig
 
@@ -384,4 +436,4 @@ using ByPiSingleEP = ByPi<Kind, float, trig_poly::sine_pi_3f, 3>;
     QON_VM_VECTOR_KERNELS(d, F, double, qon::vm::trig::HalfPiLA<Kind>, qon::vm::trig::HalfPiHA<Kind>,       \
                           qon::vm::trig::HalfPiEP<Kind>)                                                    \
     QON_VM_VECTOR_KERNELS(s, F, float, qon::vm::trig::HalfPiSingle<Kind>, qon::vm::trig::HalfPiSingleHA<Kind>, \
-                          qon::vm::trig::HalfPiSingle<Kind>)
+                          qon::vm::trig::HalfPiSingleEP<Kind>)

@@ -17,14 +17,13 @@ inline constexpr double sine_half_pi_7[7] = {
     std::bit_cast<double>(0xBFC5555555555555ull),  // -0.16666666666666666
 };
 
-// cosine_half_pi_7: 7 coefficients on |r| <= 0.78539911707176469: error 2^-71.3 (2^-59.5 rounded to double)
-inline constexpr double cosine_half_pi_7[7] = {
-    std::bit_cast<double>(0x3D2AB785A85CD518ull),  // 4.7458718207131521e-14
-    std::bit_cast<double>(0xBDA9394BA0C066F4ull),  // -1.1470460886230271e-11
-    std::bit_cast<double>(0x3E21EED8DEB9725Full),  // 2.087675579107172e-09
-    std::bit_cast<double>(0xBE927E4FB7712D60ull),  // -2.7557319221402798e-07
-    std::bit_cast<double>(0x3EFA01A01A019D0Aull),  // 2.4801587301584645e-05
-    std::bit_cast<double>(0xBF56C16C16C16C16ull),  // -0.0013888888888888887
+// cosine_half_pi_6: 6 coefficients on |r| <= 0.78539911707176469: error 2^-60.3 (2^-59.5 rounded to double)
+inline constexpr double cosine_half_pi_6[6] = {
+    std::bit_cast<double>(0xBDA907DA2E9CD397ull),  // -1.1382632212345609e-11
+    std::bit_cast<double>(0x3E21EEB68E88CBB9ull),  // 2.0876146265444329e-09
+    std::bit_cast<double>(0xBE927E4FA17D9624ull),  // -2.7557317271715595e-07
+    std::bit_cast<double>(0x3EFA01A019F4EAF9ull),  // 2.4801587298765662e-05
+    std::bit_cast<double>(0xBF56C16C16C16967ull),  // -0.0013888888888887398
     std::bit_cast<double>(0x3FA5555555555555ull),  // 0.041666666666666664
 };
 
