@@ -1,6 +1,7 @@
 // SinCos: sin x (first result) and cos x (second) from one reduction by pi/2 and one pair of
 // polynomials of trig.hpp:
-//   double HA: paired reduction, the fitted pairs of the HA sine (7 and 6 coefficients); LA: plain reduction, 8 and 7 terms;
+//   double HA: paired reduction, the fitted pairs of the HA sine (7 and 6 coefficients); LA:
+//   plain reduction, 8 and 7 terms;
 //   EP: two constants, 4 and 4 terms (truncation 2^-28); single HA: the double EP evaluation in
 //   double lanes, rounded once; single LA and EP: 4 and 4 terms in float lanes with three float
 //   constants.

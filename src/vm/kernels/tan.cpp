@@ -23,7 +23,6 @@ namespace {
 using namespace qon::vm::trig;
 
 struct TanKind {
-    static constexpr bool carried = true;
     template <bool quick, class V>
     static V combine(V x, const Reduced<V> &a, Pair<V> s, Pair<V> c) {
         const Mask<V> odd = quadrant_bit<0, V>(a.q);

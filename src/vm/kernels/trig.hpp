@@ -6,9 +6,9 @@
 //
 // By pi (Sin and Cos in every slot but double HA): m = round(x/pi) for the sine, f + 1/2 with
 // f = floor(x/pi) for the cosine, r = x - 2m C1 - 2m C2 [- 2m C3] in [-pi/2, pi/2]; then
-// sin x = (-1)^m sin r and cos x = (-1)^(f+1) sin r, so one odd polynomial serves both: sin r = r + r z S(z),
-// z = r^2, S a polynomial fitted to (sin r - r)/(r z) on |r| <= pi/2 (trig_poly.hpp, made by
-// tools/fit_trig.cpp).
+// sin x = (-1)^m sin r and cos x = (-1)^(f+1) sin r, so one odd polynomial serves both:
+// sin r = r + r z S(z), z = r^2, S a polynomial fitted to (sin r - r)/(r z) on |r| <= pi/2
+// (trig_poly.hpp, made by tools/fit_trig.cpp).
 //
 // By pi/2, paired (double HA, and SinCos and Tan in every slot): n = round(2x/pi), quadrant
 // q = n mod 4, r = r1 - n*C2 rounded, lo = (r1 - r) - n*C2 its error: r1 - r is exact
@@ -204,21 +204,20 @@ struct Pair {
     V value() const { return hi + lo; }
 };
 
-// With `carried` the leading term -r^3/6 is carried exactly enough as well: r^3 = r*z with the
-// fma errors of z and of r*z, -1/6 as two doubles, r + (-r^3/6) as an exact fast two-sum
-// (|r^3/6| < |r|), for the tangent, whose division would otherwise double the error of the
-// sine's low part.
+// The sine pair of the tangent. Paired, the leading term -r^3/6 is carried exactly enough as
+// well: r^3 = r*z with the fma errors of z and of r*z, -1/6 as two doubles, r + (-r^3/6) as an
+// exact fast two-sum (|r^3/6| < |r|), since the division would otherwise double the error of
+// the sine's low part.
 constexpr std::uint64_t minus_sixth_hi = 0xBFC5555555555555;
 constexpr std::uint64_t minus_sixth_lo = 0xBC65555555555555;
 
-template <int terms, bool paired, bool carried = false, class V>
+template <int terms, bool paired, class V>
 Pair<V> sin_pair(const Reduced<V> &a, V z) {
     const V rz = a.r * z;
-    if constexpr (!paired) return {a.r, rz * taylor<terms, 3>(z)};
-    const V lo_term = neg_mul_add(a.lo, splat<V>(0.5) * z, a.lo);
-    if constexpr (!carried) {
-        return {a.r, mul_add(rz, taylor<terms, 3>(z), lo_term)};
+    if constexpr (!paired) {
+        return {a.r, rz * taylor<terms, 3>(z)};
     } else {
+        const V lo_term = neg_mul_add(a.lo, splat<V>(0.5) * z, a.lo);
         const V rz_err = mul_add(a.r, mul_sub(a.r, a.r, z), mul_sub(a.r, z, rz));
         const V p = rz * constant<V>(minus_sixth_hi);
         const V p_err = mul_sub(rz, constant<V>(minus_sixth_hi), p);
@@ -362,12 +361,11 @@ struct BlendedHA {
 
 // A one-result function by pi/2: Kind::combine<quick>(x, a, s, c) picks the result from the
 // reduced argument and the pairs (`quick`: the slot's accuracy allows the shorter form);
-// Kind::carried asks for the carried sine pair in HA. Single precision runs in double lanes,
+// paired (HA) uses the carried sine pair. Single precision runs in double lanes,
 // rounded once, with `wide`, otherwise in float lanes.
 template <class Kind, class E, int sin_terms, int cos_terms, bool paired, int parts = 3, bool wide = true,
           bool quick = false>
 struct ByHalfPi {
-    static constexpr bool carried = paired && Kind::carried;
     using T = E;
     static constexpr int groups = 4;
 
@@ -375,7 +373,7 @@ struct ByHalfPi {
     static D in_lanes(D x) {
         const Reduced<D> a = reduce<paired, parts>(x);
         const D z = a.r * a.r;
-        return Kind::template combine<quick>(x, a, sin_pair<sin_terms, paired, carried>(a, z),
+        return Kind::template combine<quick>(x, a, sin_pair<sin_terms, paired>(a, z),
                                              cos_pair<cos_terms, paired>(a, z));
     }
     template <class V>
