@@ -17,8 +17,31 @@ namespace {
 
 using namespace qon::vm::trig;
 
+// sin r and cos r of the paired reduction (double HA): the fitted pairs of trig.hpp.
+struct FittedPairs {
+    static constexpr bool paired = true;
+    template <class D>
+    static void eval(const Reduced<D> &a, D &s, D &c) {
+        Split<D> sp, cp;
+        half_pi_pairs(a, sp, cp);
+        s = sp.value();
+        c = cp.value();
+    }
+};
+// sin r and cos r of a plain reduction by their Taylor series.
+template <int sin_terms, int cos_terms>
+struct TaylorPairs {
+    static constexpr bool paired = false;
+    template <class D>
+    static void eval(const Reduced<D> &a, D &s, D &c) {
+        const D z = a.r * a.r;
+        s = sin_pair<sin_terms, false>(a, z).value();
+        c = cos_pair<cos_terms, false>(a, z).value();
+    }
+};
+
 // `wide`: single precision in double lanes, rounded once (otherwise in float lanes).
-template <class E, int sin_terms, int cos_terms, bool paired, int parts = 3, bool wide = true>
+template <class E, class Pairs, int parts = 3, bool wide = true>
 struct SinCos {
     using T = E;
     static constexpr int results = 2;
@@ -26,17 +49,11 @@ struct SinCos {
 
     template <class D>
     static void in_lanes(D x, D &sin_x, D &cos_x) {
-        const Reduced<D> a = reduce<paired, parts>(x);
-        if constexpr (paired) {
-            Split<D> s, c;
-            half_pi_pairs(a, s, c);
-            sin_cos(a, s.value(), c.value(), sin_x, cos_x);
-        } else {
-            const D z = a.r * a.r;
-            sin_cos(a, sin_pair<sin_terms, paired>(a, z).value(), cos_pair<cos_terms, paired>(a, z).value(), sin_x,
-                    cos_x);
-            sin_x = select(eq(x, splat<D>(0.0)), x, sin_x);
-        }
+        const Reduced<D> a = reduce<Pairs::paired, parts>(x);
+        D s, c;
+        Pairs::eval(a, s, c);
+        sin_cos(a, s, c, sin_x, cos_x);
+        if constexpr (!Pairs::paired) sin_x = select(eq(x, splat<D>(0.0)), x, sin_x);
     }
     template <class V>
     static void eval(V x, V &sin_x, V &cos_x) {
@@ -52,7 +69,7 @@ struct SinCos {
     }
     template <bool tail, class V>
     static Mask<V> special(V x) {
-        if constexpr (paired) return mask_or(beyond(x), near_multiple(x));
+        if constexpr (Pairs::paired) return mask_or(beyond(x), near_multiple(x));
         else return beyond(x);
     }
     static int scalar(T x, T &sin_x, T &cos_x) {
@@ -61,11 +78,11 @@ struct SinCos {
     }
 };
 
-using SinCosLA = SinCos<double, 8, 7, false>;
-using SinCosHA = SinCos<double, 0, 0, true>;
-using SinCosEP = SinCos<double, 4, 4, false, 2>;
-using SinCosSingleHA = SinCos<float, 4, 4, false, 2>;
-using SinCosSingle = SinCos<float, 4, 4, false, 3, false>;
+using SinCosLA = SinCos<double, TaylorPairs<8, 7>>;
+using SinCosHA = SinCos<double, FittedPairs>;
+using SinCosEP = SinCos<double, TaylorPairs<4, 4>, 2>;
+using SinCosSingleHA = SinCos<float, TaylorPairs<4, 4>, 2>;
+using SinCosSingle = SinCos<float, TaylorPairs<4, 4>, 3, false>;
 
 }  // namespace
 

@@ -195,7 +195,8 @@ Mask<V> near_multiple(V x) {
     V y, n, r1;
     first_step(x, y, n, r1);
     using E = Elem<V>;
-    return mask_and(int_gt(bits(abs(x)), bits(splat<V>(E(1)))), int_gt(bits(splat<V>(E(0x1p-30))), bits(abs(r1))));
+    return mask_and(int_gt(bits(abs(x)), bits(splat<V>(E(1)))),
+                    int_gt(bits(splat<V>(E(0x1p-30))), bits(abs(r1))));
 }
 
 template <class V>
