@@ -9,7 +9,8 @@ the polynomial coefficients fitted for the LA and single-precision methods.
 entry is rounded once to double with exact rational arithmetic (fractions): int/int division
 in Python rounds correctly to nearest.
 
-  t1[j]       = RN(2^(j/128)),                                  j = 0..127
+  t1[j]       = RN(2^(j/128)) with j*2^45 subtracted from its bit pattern, j = 0..127 (the EP
+                and LA methods add N*2^45 to it, N = 128k + j, which gives 2^k RN(2^(j/128)))
   t2[j]       = {hi, lo}: hi = RN(2^(j/64)), lo = RN((2^(j/64) - hi) / hi)   (relative: the
                 scalar routine forms hi * (p + lo))
   t3[j]       = {hi, lo}: hi = RN(2^(j/64)), lo = RN(2^(j/64) - hi)          (absolute: the HA
@@ -44,6 +45,11 @@ def rn(q):
 
 def rn_float(q):
     return struct.unpack('<f', struct.pack('<f', rn(q)))[0]
+
+
+def offset(x, j):
+    """The double whose bit pattern is that of x less j*2^45."""
+    return struct.unpack('<d', struct.pack('<Q', struct.unpack('<Q', struct.pack('<d', x))[0] - (j << 45)))[0]
 
 
 def hexd(x):
@@ -88,10 +94,10 @@ def table_file():
     out.append('')
     out.append('namespace qon::vm::exp_tables {')
     out.append('')
-    out.append('// 2^(j/128) rounded to double.')
+    out.append('// 2^(j/128) rounded to double, with j*2^45 subtracted from its bit pattern.')
     out.append('alignas(64) const double t1[128] = {')
     for j in range(0, 128, 4):
-        out.append('    ' + ' '.join(hexd(rn(pow2(i, 128))) + ',' for i in range(j, j + 4)))
+        out.append('    ' + ' '.join(hexd(offset(rn(pow2(i, 128)), i)) + ',' for i in range(j, j + 4)))
     out.append('};')
     for name, comment, relative in (('t2', '2^(j/64) = hi * (1 + lo): the scalar routine\'s pairs.', True),
                                     ('t3', '2^(j/64) = hi + lo: the HA vector method\'s pairs.', False)):

@@ -2,7 +2,8 @@
 //
 // Double, common range |x| < 708.396 (results normal, no overflow), x = N*ln2/K + s:
 //   EP  K = 128: y = x*128/ln2 + 1.5*2^52 holds N in its low bits; s = x - N*(ln2/128) with one
-//       constant; e^s ~ (c2*s + 1)*s + 1; result t1[N & 127] * p, N >> 7 added to the exponent.
+//       constant; e^s ~ (c2*s + 1)*s + 1; result t * p with t = 2^(N >> 7) RN(2^((N & 127)/128))
+//       formed by one integer addition to a table entry (Step128::table).
 //       |s| <= 0.0027, truncation s^3/6 and the one-constant reduction (N*2^-61 at |x| = 708)
 //       keep it within 2^-27.5 of e^x: at least 26 correct bits.
 //   LA  as EP, with the reduction in two constants and e^s - 1 ~ s + s^2*(c2 + ... + c5*s^3)
@@ -148,11 +149,14 @@ struct Step128 {
 
     template <class V>
     static V shifted(V x) { return mul_sub(x, constant<V>(inv_step), constant<V>(neg_shifter)); }
+    // 2^(N/128) rounded as t = 2^k RN(2^(j/128)), N = 128k + j: the bits of y shifted left by 45
+    // are N*2^45 (the shifter's bits leave the word), which added to t1[j] (stored less j*2^45)
+    // give the bits of t. Exact while t is normal, as it is for |x| < 708.4; formed off the
+    // polynomial's path.
     template <class V>
-    static V table(V y) { return lookup<8>(t1, bits(y) & splat_q<V>(0x7F)); }
-    // q * 2^(N >> 7): (bits of y << 45) puts N >> 7 in the exponent field.
-    template <class V>
-    static V scale(V q, V y) { return from_bits(bits(q) + (shl<45>(bits(y)) & splat_q<V>(exponent_bits))); }
+    static V table(V y) {
+        return from_bits(bits(lookup<8, 0x7F>(t1, bits(y))) + shl<45>(bits(y)));
+    }
 };
 
 struct ExpEP : Step128 {
@@ -166,7 +170,7 @@ struct ExpEP : Step128 {
         const V n = y + constant<V>(neg_shifter);
         const V s = neg_mul_add(n, constant<V>(step), x);
         const V p = horner(s, constant<V>(c2), one, one);
-        return scale(table(y) * p, y);
+        return table(y) * p;
     }
 };
 
@@ -186,7 +190,7 @@ struct ExpLA : Step128 {
         const V poly = horner(s, constant<V>(c5), constant<V>(c4), constant<V>(c3), constant<V>(c2));
         const V p = mul_add(s * s, poly, s);
         const V t = table(y);
-        return scale(mul_add(t, p, t), y);
+        return mul_add(t, p, t);
     }
 };
 
@@ -208,9 +212,8 @@ struct ExpHA {
         const V y = mul_sub(x, constant<V>(inv_step), constant<V>(neg_shifter));
         const V n = y + constant<V>(neg_shifter);
         const auto sixteen_n = bits(n + constant<V>(index_shifter));  // low bits: 16*N
-        const auto offset = sixteen_n & splat_q<V>(0x3FF);             // byte offset of t3[N & 63]
         V hi, lo;
-        gather_pairs<1>(&t3[0].hi, offset, hi, lo);
+        gather_pairs<1, 0x3FF>(&t3[0].hi, sixteen_n, hi, lo);           // byte offset of t3[N & 63]
         const V s = reduce(x, n, step_hi, step_lo);
         const V poly = horner(s, constant<V>(q5), constant<V>(q4), constant<V>(q3), constant<V>(q2));
         const V p = mul_add(s * s, poly, s);

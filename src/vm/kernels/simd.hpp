@@ -362,16 +362,25 @@ inline bool int_gt(U a, U b) requires std::is_unsigned_v<U> {
 
 template <int S>
 inline VD gather(const double *base, QD q) { return {_mm256_i64gather_pd(base, q.v, S)}; }
-// The same with one scalar load per lane.
-template <int S>
-inline VD lookup(const double *base, QD q) {
-    const char *b = reinterpret_cast<const char *>(base);
+// The lanes of q through memory, each ANDed with mask: the scalar loads of lookup and
+// gather_pairs then take their offsets from the integer units, which leaves the vector pipes to
+// the method (extracting the lanes in registers would cost four vector operations).
+template <std::int64_t mask>
+struct LaneOffsets {
     alignas(32) std::int64_t o[4];
-    _mm256_store_si256(reinterpret_cast<__m256i *>(o), q.v);
-    const __m128d l = _mm_loadh_pd(_mm_load_sd(reinterpret_cast<const double *>(b + o[0] * S)),
-                                   reinterpret_cast<const double *>(b + o[1] * S));
-    const __m128d h = _mm_loadh_pd(_mm_load_sd(reinterpret_cast<const double *>(b + o[2] * S)),
-                                   reinterpret_cast<const double *>(b + o[3] * S));
+    explicit LaneOffsets(QD q) {
+        _mm256_store_si256(reinterpret_cast<__m256i *>(o), q.v);
+        asm("" : "+m"(o));
+    }
+    std::int64_t operator[](int i) const { return o[i] & mask; }
+};
+// The same as gather, with one scalar load per lane, at the low bits of q selected by mask.
+template <int S, std::int64_t mask = -1>
+inline VD lookup(const double *base, QD q) {
+    const LaneOffsets<mask> o(q);
+    auto at = [&](int i) { return reinterpret_cast<const double *>(reinterpret_cast<const char *>(base) + o[i] * S); };
+    const __m128d l = _mm_loadh_pd(_mm_load_sd(at(0)), at(1));
+    const __m128d h = _mm_loadh_pd(_mm_load_sd(at(2)), at(3));
     return {_mm256_insertf128_pd(_mm256_castpd128_pd256(l), h, 1)};
 }
 template <int S>
@@ -383,30 +392,25 @@ inline T gather(const T *base, U q) requires std::is_unsigned_v<U> {
     return t;
 }
 
-// Lane i of first and second read the two doubles at byte base + q[i]*S: pairs stored side by
-// side, fetched with one 16-byte load per lane (cheaper than two gathers).
-template <int S>
+// Lane i of first and second read the two doubles at byte base + (q[i] & mask)*S: pairs stored
+// side by side, fetched with one 16-byte load per lane (cheaper than two gathers).
+template <int S, std::int64_t mask = -1>
 inline void gather_pairs(const double *base, QD q, VD &first, VD &second) {
-    const char *b = reinterpret_cast<const char *>(base);
-    alignas(32) std::int64_t o[4];
-    _mm256_store_si256(reinterpret_cast<__m256i *>(o), q.v);
-    const __m256d a = _mm256_insertf128_pd(
-        _mm256_castpd128_pd256(_mm_loadu_pd(reinterpret_cast<const double *>(b + o[0] * S))),
-        _mm_loadu_pd(reinterpret_cast<const double *>(b + o[2] * S)), 1);  // lanes 0, 2
-    const __m256d c = _mm256_insertf128_pd(
-        _mm256_castpd128_pd256(_mm_loadu_pd(reinterpret_cast<const double *>(b + o[1] * S))),
-        _mm_loadu_pd(reinterpret_cast<const double *>(b + o[3] * S)), 1);  // lanes 1, 3
+    const LaneOffsets<mask> o(q);
+    auto at = [&](int i) { return _mm_loadu_pd(reinterpret_cast<const double *>(reinterpret_cast<const char *>(base) + o[i] * S)); };
+    const __m256d a = _mm256_insertf128_pd(_mm256_castpd128_pd256(at(0)), at(2), 1);  // lanes 0, 2
+    const __m256d c = _mm256_insertf128_pd(_mm256_castpd128_pd256(at(1)), at(3), 1);  // lanes 1, 3
     first.v = _mm256_unpacklo_pd(a, c);
     second.v = _mm256_unpackhi_pd(a, c);
 }
-template <int S>
+template <int S, std::int64_t mask = -1>
 inline void gather_pairs(const double *base, std::uint64_t q, double &first, double &second) {
-    const char *b = reinterpret_cast<const char *>(base) + static_cast<std::size_t>(q) * S;
+    const char *b = reinterpret_cast<const char *>(base) + static_cast<std::size_t>(q & mask) * S;
     std::memcpy(&first, b, sizeof first);
     std::memcpy(&second, b + sizeof first, sizeof second);
 }
-template <int S, class T, class U>
-inline T lookup(const T *base, U q) requires std::is_unsigned_v<U> { return gather<S>(base, q); }
+template <int S, std::int64_t mask = -1, class T, class U>
+inline T lookup(const T *base, U q) requires std::is_unsigned_v<U> { return gather<S>(base, q & static_cast<U>(mask)); }
 
 // ---- floats through double -------------------------------------------------------------------
 
