@@ -25,7 +25,8 @@
 //   bits(v) -> Q, from_bits(q) -> V; for Q: + - & | ^, shl<k>, shr<k> (logical), int_gt(a, b)
 //   (signed, as a mask of V), splat_q<V>(i)
 //   gather<S>(base, q)                         lane i reads the T at byte base + q[i]*S
-//   gather_pairs<S>(base, q, first, second)    lane i reads the two doubles there
+//   lookup<S, mask>(base, q)                   the same at (q[i] & mask)*S, by scalar loads
+//   gather_pairs<S, mask>(base, q, first, second)  lane i reads the two doubles there
 //   Double pieces of floats: to_double_lo/hi(VF) -> VD, to_float(VD lo, VD hi) -> VF,
 //   and in_double(x, f): f applied to the float lanes widened to double, rounded back once.
 #pragma once
