@@ -16,6 +16,18 @@
 // constant coefficient is raised until r + r z S(z) exceeds sin r there by 8 ulp of the element
 // type, so that the kernels' clamp to [-1, 1] gives sin(+-pi/2) and cos 0 exactly 1 (at most
 // about twice the fit error is added).
+//
+// The double EP sine by pi takes sin r = r Q(z) with a free constant coefficient (one
+// multiplication fewer than r + r z S(z) for the same relative error: degree 9 reaches 2^-27.3
+// where the form with the constant 1 needs degree 11) and no clamp: Q is the minimax fit of
+// sin r / r in relative error, found by Lawson's iteration (weighted least squares whose weights
+// are multiplied by the errors each round), under the constraint that r Q(z) = (1 - eta) sin r at
+// the end of the interval, so that the error is negative there and r Q(z) stays below 1. That is
+// checked in double arithmetic, Horner with fused multiply-adds as the kernel evaluates it.
+// (A fit that is exactly 1 at RN(pi/2) cannot also stay at or below 1 next to it: the
+// evaluation's own rounding, about an ulp, lifts some neighbours to 1 + 2^-52.)
+#include <cmath>
+
 #include "chebyshev_fit.hpp"
 
 namespace {
@@ -58,6 +70,107 @@ void emit(const char *name, Q (*f)(Q), Q (*weight)(Q), Q r_max, int count, bool 
     print_array(name, rounded);
 }
 
+// Solves the k x k system a x = b (Gaussian elimination with partial pivoting).
+std::vector<Q> solve(std::vector<std::vector<Q>> a, std::vector<Q> b) {
+    const int k = static_cast<int>(b.size());
+    for (int c = 0; c < k; ++c) {
+        int p = c;
+        for (int i = c + 1; i < k; ++i)
+            if (fabsq(a[i][c]) > fabsq(a[p][c])) p = i;
+        std::swap(a[c], a[p]);
+        std::swap(b[c], b[p]);
+        for (int i = c + 1; i < k; ++i) {
+            const Q f = a[i][c] / a[c][c];
+            for (int j = c; j < k; ++j) a[i][j] -= f * a[c][j];
+            b[i] -= f * b[c];
+        }
+    }
+    std::vector<Q> x(k);
+    for (int i = k - 1; i >= 0; --i) {
+        Q t = b[i];
+        for (int j = i + 1; j < k; ++j) t -= a[i][j] * x[j];
+        x[i] = t / a[i][i];
+    }
+    return x;
+}
+
+// Q(z) of `count` coefficients (lowest degree first) with r Q(z) ~ sin r in relative error on
+// |r| <= r_max and r_max Q(r_max^2) = (1 - eta) sin r_max. With the constraint solved for the
+// constant coefficient, the relative error is b(r) - sum_j c_j A_j(r) over the others, linear
+// in them: A_j = r (z^j - Z^j) / sin r, b = r (1 - eta) sin(r_max) / (r_max sin r) - 1.
+std::vector<Q> sine_free_fit(Q r_max, int count, Q eta) {
+    const Q z_max = r_max * r_max, end = (1 - eta) * sinq(r_max) / r_max;
+    const int k = count - 1, points = 3000;
+    std::vector<std::vector<Q>> a(points, std::vector<Q>(k));
+    std::vector<Q> b(points), w(points, Q(1) / points);
+    for (int i = 0; i < points; ++i) {
+        const Q r = r_max * cosq(pi() / 2 * i / points), z = r * r, s = sinq(r);
+        for (int j = 0; j < k; ++j) a[i][j] = r * (powq(z, j + 1) - powq(z_max, j + 1)) / s;
+        b[i] = r * end / s - 1;
+    }
+    std::vector<Q> c(k, 0);
+    for (int round = 0; round < 400; ++round) {
+        std::vector<std::vector<Q>> n(k, std::vector<Q>(k, 0));
+        std::vector<Q> y(k, 0);
+        for (int i = 0; i < points; ++i)
+            for (int j = 0; j < k; ++j) {
+                y[j] += w[i] * a[i][j] * b[i];
+                for (int l = 0; l < k; ++l) n[j][l] += w[i] * a[i][j] * a[i][l];
+            }
+        c = solve(n, y);
+        Q total = 0;
+        for (int i = 0; i < points; ++i) {
+            Q e = -b[i];
+            for (int j = 0; j < k; ++j) e += c[j] * a[i][j];
+            w[i] *= fabsq(e);
+            total += w[i];
+        }
+        for (Q &wi : w) wi /= total;
+    }
+    std::vector<Q> out(count);
+    out[0] = end;
+    for (int j = 0; j < k; ++j) {
+        out[j + 1] = -c[j];
+        out[0] += c[j] * powq(z_max, j + 1);
+    }
+    return out;
+}
+
+// r Q(z) as the EP kernels evaluate it in T: z = r r, Horner with fused multiply-adds, r times Q.
+template <class T>
+T sine_free_eval(const std::vector<T> &c, T r) {
+    const T z = r * r;
+    T q = c.back();
+    for (int i = static_cast<int>(c.size()) - 2; i >= 0; --i) q = std::fma(q, z, c[i]);
+    return r * q;
+}
+
+// Emits Q of `count` coefficients, with r Q(z) = (1 - eta) sin r at the end of the interval
+// and checked to stay below 1 from r = 1.25 to r_past in T.
+template <class T>
+void emit_free(const char *name, Q r_max, int count, Q eta, Q r_past) {
+    const std::vector<Q> c = sine_free_fit(r_max, count, eta);
+    const std::vector<T> rounded(c.begin(), c.end());
+    Q fit_error = 0, rounded_error = 0;
+    for (int i = 1; i <= 4000; ++i) {
+        const Q r = r_max * i / 4000, s = sinq(r);
+        fit_error = fmaxq(fit_error, fabsq(r * eval_q(c, r * r) / s - 1));
+        rounded_error = fmaxq(rounded_error, fabsq(r * eval(rounded, r * r) / s - 1));
+    }
+    T top = 0;
+    const T from = 1.25, to = static_cast<T>(r_past);
+    for (int i = 0; i <= 200000; ++i) top = std::fmax(top, sine_free_eval(rounded, from + (to - from) * i / 200000));
+    if (top >= 1) {
+        std::fprintf(stderr, "%s reaches %.17g\n", name, double(top));
+        std::exit(1);
+    }
+    std::printf("\n// %s: %d coefficients of r Q(z) on |r| <= %.17g: error 2^%.1f (2^%.1f rounded to %s),\n"
+                "// below 1 by 2^%.1f at least on 1.25 <= r <= %.17g\n",
+                name, count, double(r_max), double(log2q(fit_error)), double(log2q(rounded_error)),
+                sizeof(T) == 4 ? "float" : "double", double(log2q(1 - Q(top))), double(r_past));
+    print_array(name, rounded);
+}
+
 }  // namespace
 
 int main() {
@@ -71,6 +184,7 @@ int main() {
     emit<double>("sine_pi_5", sine_part, sine_weight, by_pi, 5, true);
     emit<float>("sine_pi_5f", sine_part, sine_weight, by_pi, 5);
     emit<float>("sine_pi_3f", sine_part, sine_weight, by_pi, 3, true);
+    emit_free<double>("sine_pi_free_5", by_pi, 5, 0x1p-40Q, by_pi);
     std::printf("\n}  // namespace qon::vm::trig_poly\n");
     return 0;
 }

@@ -319,6 +319,40 @@ TEST(ElementaryAccuracy, TrigonometryNextToMultiplesOfHalfPi) {
                                  acc::standard_bounds<double>());
 }
 
+// Where the reduced argument reaches the ends of its interval, next to the peaks of the sine and
+// the cosine, a polynomial may overshoot by its error: no slot may give a value above 1 in
+// magnitude there, nor at 0 and the values next to it. Arguments: 0, +-2^-k, and runs of
+// consecutive values of T around k pi/2.
+template <class T>
+void within_one(const char *name, qon_pax_kernel_fn const (&table)[3], int results) {
+    std::vector<T> xs = {T(0), -T(0), T(0x1p-30), -T(0x1p-30), T(0x1p-10), -T(0x1p-10)};
+    for (double k = 1; k < 3e5; k = k < 16 ? k + 1 : std::floor(k * 2.3)) {
+        T x = static_cast<T>(k * (qpi / 2));
+        for (int i = 0; i < 64; ++i) x = std::nextafter(x, T(0));
+        for (int i = 0; i < 129; ++i, x = std::nextafter(x, std::numeric_limits<T>::infinity()))
+            xs.push_back(x), xs.push_back(-x);
+    }
+    const int n = static_cast<int>(xs.size());
+    std::vector<T> r1(n), r2(n);
+    for (int s = 0; s < 3; ++s) {
+        if (results == 1) reinterpret_cast<void (*)(int, const T *, T *)>(table[s])(n, xs.data(), r1.data());
+        else reinterpret_cast<void (*)(int, const T *, T *, T *)>(table[s])(n, xs.data(), r1.data(), r2.data());
+        for (int i = 0; i < n; ++i) {
+            EXPECT_LE(std::fabs(r1[i]), T(1)) << name << " slot " << s << " at " << xs[i];
+            if (results == 2) EXPECT_LE(std::fabs(r2[i]), T(1)) << name << " slot " << s << " at " << xs[i];
+        }
+    }
+}
+
+TEST(ElementaryAccuracy, SineAndCosineStayWithinOne) {
+    within_one<double>("dSin", qon_pax_kernel_dSin_ttab, 1);
+    within_one<double>("dCos", qon_pax_kernel_dCos_ttab, 1);
+    within_one<double>("dSinCos", qon_pax_kernel_dSinCos_ttab, 2);
+    within_one<float>("sSin", qon_pax_kernel_sSin_ttab, 1);
+    within_one<float>("sCos", qon_pax_kernel_sCos_ttab, 1);
+    within_one<float>("sSinCos", qon_pax_kernel_sSinCos_ttab, 2);
+}
+
 // NextAfter against the neighbour found by stepping the bit pattern as an integer.
 template <class T, class Bits>
 Q next_by_bits(Q qx, Q qy) {

@@ -5,10 +5,11 @@
 // for |x| >= 1 the difference is a multiple of ulp(C1) below 2, which fits the significand.
 //
 // By pi (Sin and Cos in every slot but double HA): m = round(x/pi) for the sine, f + 1/2 with
-// f = floor(x/pi) for the cosine, r = x - 2m C1 - 2m C2 [- 2m C3] in [-pi/2, pi/2]; then
-// sin x = (-1)^m sin r and cos x = (-1)^(f+1) sin r, so one odd polynomial serves both:
-// sin r = r + r z S(z), z = r^2, S a polynomial fitted to (sin r - r)/(r z) on |r| <= pi/2
-// (trig_poly.hpp, made by tools/fit_trig.cpp).
+// f = floor(x/pi) for the cosine, r = x - m P1 - m P2 [- m P3] in [-pi/2, pi/2] (in double
+// P = 2C, in float three positive parts of pi); then sin x = (-1)^m sin r and
+// cos x = (-1)^(f+1) sin r, so one odd polynomial serves both: sin r = r + r z S(z), z = r^2,
+// S a polynomial fitted to (sin r - r)/(r z) on |r| <= pi/2, or, in the double EP sine,
+// r Q(z) with Q fitted to sin r / r (trig_poly.hpp, made by tools/fit_trig.cpp).
 //
 // By pi/2, paired (double HA, and SinCos and Tan in every slot): n = round(2x/pi), quadrant
 // q = n mod 4, r = r1 - n*C2 rounded, lo = (r1 - r) - n*C2 its error: r1 - r is exact
@@ -27,6 +28,12 @@
 // vector's chain of dependent operations is, which limits how many vectors are in flight: the
 // forms below are chosen for short chains (no N = 2m formed, the cosine's m from one floor).
 #pragma once
+
+
+
+
+
+
 
 #include <qon/qon_pax.h>
 
@@ -50,6 +57,7 @@ struct Constants<double> {
     static constexpr std::uint64_t inv_pi = 0x3FD45F306DC9C883;       // 1/pi
     static constexpr std::uint64_t two_over_pi = 0x3FE45F306DC9C883;  // 2/pi
     static constexpr std::uint64_t shifter = 0x4338000000000000;      // 1.5*2^52
+    static constexpr std::uint64_t shifter_odd = 0x4338000000000001;  // 1.5*2^52 + 1
     static constexpr std::uint64_t pio2_1 = 0x3FF921FB54442D18;       // pi/2 rounded
     static constexpr std::uint64_t pio2_2 = 0x3C91A62633145C07;       // pi/2 - C1 rounded
     static constexpr std::uint64_t pio2_3 = 0xB91F1976B7ED8FBC;       // pi/2 - C1 - C2 rounded
@@ -62,13 +70,16 @@ template <>
 struct Constants<float> {
     static constexpr std::uint32_t inv_pi = 0x3EA2F983;
     static constexpr std::uint32_t two_over_pi = 0x3F22F983;
-    static constexpr std::uint32_t shifter = 0x4B400000;  // 1.5*2^23
+    static constexpr std::uint32_t shifter = 0x4B400000;      // 1.5*2^23
+    static constexpr std::uint32_t shifter_odd = 0x4B400001;  // 1.5*2^23 + 1
     static constexpr std::uint32_t pio2_1 = 0x3FC90FDB;
     static constexpr std::uint32_t pio2_2 = 0xB33BBD2E;
     static constexpr std::uint32_t pio2_3 = 0xA6F72CED;
-    static constexpr std::uint32_t pi_1 = 0x40490FDB;  // 2 C1, 2 C2, 2 C3
-    static constexpr std::uint32_t pi_2 = 0xB3BBBD2E;
-    static constexpr std::uint32_t pi_3 = 0xA7772CED;
+    // pi = P1 + P2 + P3 (+1.9e-22), P1 and P2 rounded down, so that all three are positive
+    // and x - m P1 - m P2 - m P3 keeps the sign of x = -0.
+    static constexpr std::uint32_t pi_1 = 0x40490FDA;  // 3.14159250
+    static constexpr std::uint32_t pi_2 = 0x34222168;  // 1.50995788e-07
+    static constexpr std::uint32_t pi_3 = 0x284234C5;  // 1.07806059e-14
     static constexpr std::uint32_t sign = 0x80000000;
 };
 
@@ -112,28 +123,29 @@ struct Reduced {
 //   product  r (1 + z S(z)), for single precision in double lanes: the extra rounding is not
 //            seen in the float result, the sign of a zero r is kept, and 1 + 2^-30 rounds to
 //            the float 1;
-//   bounded  min(|r| + |r| z S(z), 1) with the sign of r (EP): one comparison instead of two,
-//            no select at zero, and S by Horner's scheme, fewest multiplications.
-enum class Form { fused, product, bounded };
+//   clamped  the product with S by Horner's scheme, clamped to [-1, 1] (EP; the short fits
+//            overshoot at the end, so sin(+-pi/2) and cos 0 are 1);
+//   free     r S(z) with S fitted to sin r / r, its constant coefficient free (double EP sine):
+//            by Horner's scheme, the fewest operations; the fit undershoots at the end of the
+//            interval, so no clamp is needed (sin(RN(pi/2)) is 1 - 2^-39).
+enum class Form { fused, product, clamped, free };
 
 // sin x (cosine false) or cos x (cosine true) for |x| <= 2^20, with `parts` constants of pi/2
 // and the fitted S of trig_poly.hpp.
 template <bool cosine, const auto &S, int parts, Form form = Form::fused, class V>
-V sine_by_pi(V x0) {
+V sine_by_pi(V x) {
     using E = Elem<V>;
-    // bounded: the sine is odd and the cosine even, so |x| is reduced and the sign of x put back
-    // on the sine; x = -0 gives -0 whatever the signs of the constants of pi.
-    const V x = form == Form::bounded ? abs(x0) : x0;
     // The sine takes m = round(x/pi) from the shifter sum y; the cosine the nearest odd multiple
-    // of 1/2, floor(x/pi) + 1/2 (the shorter chain), and its parity from floor(x/pi) + shifter
-    // off that chain. r = x - m pi with the parts of pi/2 doubled (exact), so no N is formed.
-    const V shifter = constant<V>(C<V>::shifter);
+    // of 1/2, floor(x/pi) + 1/2 (the shorter chain), and the parity of floor(x/pi) + 1 from
+    // floor(x/pi) + shifter + 1 off that chain. r = x - m pi with the parts of pi, so no N is
+    // formed. sin x = (-1)^m sin r and cos x = (-1)^(floor(x/pi)+1) sin r.
     V y, m;
     if constexpr (cosine) {
         const V f = floor(x * constant<V>(C<V>::inv_pi));
-        y = f + shifter;
+        y = f + constant<V>(C<V>::shifter_odd);
         m = f + splat<V>(E(0.5));
     } else {
+        const V shifter = constant<V>(C<V>::shifter);
         y = mul_add(x, constant<V>(C<V>::inv_pi), shifter);
         m = y - shifter;
     }
@@ -141,19 +153,16 @@ V sine_by_pi(V x0) {
     r = neg_mul_add(m, constant<V>(C<V>::pi_2), r);
     if constexpr (parts == 3) r = neg_mul_add(m, constant<V>(C<V>::pi_3), r);
     const V z = r * r;
-    // (-1)^m for the sine, (-1)^(m+1) for the cosine, from the low bit of m in y.
-    const Ints<V> flip = cosine ? shl<sizeof(E) * 8 - 1>(bits(y)) ^ splat_q<V>(Constants<E>::sign)
-                                : shl<sizeof(E) * 8 - 1>(bits(y));
+    // The sign flip from the low bit of y.
+    const Ints<V> flip = shl<sizeof(E) * 8 - 1>(bits(y));
     const V one = splat<V>(E(1));
     if constexpr (form == Form::product) {
         return from_bits(bits(r * mul_add(z, fitted<S>(z), one)) ^ flip);
-    } else if constexpr (form == Form::bounded) {
+    } else if constexpr (form == Form::clamped || form == Form::free) {
         constexpr int k = std::size(S);
-        const V p = horner_every<0, 1, k>(z, [](auto i) { return splat<V>(static_cast<E>(S[k - 1 - i])); });
-        const V a = abs(r);
-        const V s = min(mul_add(a * z, p, a), one);
-        const Ints<V> sign = cosine ? bits(r) ^ bits(a) : bits(r) ^ bits(a) ^ bits(x0) ^ bits(x);
-        return from_bits(bits(s) ^ sign ^ flip);
+        const V q = horner_every<0, 1, k>(z, [](auto i) { return splat<V>(static_cast<E>(S[k - 1 - i])); });
+        if constexpr (form == Form::free) return from_bits(bits(r * q) ^ flip);
+        else return from_bits(bits(max(splat<V>(E(-1)), min(one, r * mul_add(z, q, one)))) ^ flip);
     } else {
         const V s = max(min(mul_add(r * z, fitted<S>(z), r), one), splat<V>(E(-1)));
         const V v = from_bits(bits(s) ^ flip);
@@ -408,18 +417,20 @@ template <class Kind>
 using HalfPiSingleEP = ByHalfPi<Kind, float, 2, 2, false, 3, false, true>;
 
 // Polynomials by pi (|r| <= pi/2; fit errors relative to sin r in trig_poly.hpp): double LA 8
-// coefficients (2^-54.6 as rounded), EP 5 with two constants (2^-33); single HA in double lanes
-// 5 with two double constants, LA 5 (2^-25.7 rounded to float) and EP 3 (2^-17.7) in float.
+// coefficients (2^-54.6 as rounded); EP two constants, the sine r Q(z) with Q of 5 (2^-27.3),
+// the cosine 5 clamped (2^-32.3, so that cos 0 is 1); single HA in double lanes 5 with two
+// double constants, LA 5 (2^-25.7 rounded to float) and EP 3 (2^-17.0, clamped) in float.
 template <class Kind>
 using ByPiLA = ByPi<Kind, double, trig_poly::sine_pi_8, 3>;
 template <class Kind>
-using ByPiEP = ByPi<Kind, double, trig_poly::sine_pi_5, 2, Form::bounded>;
+using ByPiEP = std::conditional_t<Kind::cosine, ByPi<Kind, double, trig_poly::sine_pi_5, 2, Form::clamped>,
+                                  ByPi<Kind, double, trig_poly::sine_pi_free_5, 2, Form::free>>;
 template <class Kind>
 using ByPiSingleHA = ByPi<Kind, float, trig_poly::sine_pi_5, 2, Form::product, true>;
 template <class Kind>
 using ByPiSingleLA = ByPi<Kind, float, trig_poly::sine_pi_5f, 3>;
 template <class Kind>
-using ByPiSingleEP = ByPi<Kind, float, trig_poly::sine_pi_3f, 3, Form::bounded>;
+using ByPiSingleEP = ByPi<Kind, float, trig_poly::sine_pi_3f, 3, Form::clamped>;
 
 }  // namespace qon::vm::trig
 

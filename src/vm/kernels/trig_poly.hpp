@@ -64,4 +64,14 @@ inline constexpr float sine_pi_3f[3] = {
     std::bit_cast<float>(0xBE2AA9F4u),  // -0.166663945
 };
 
+// sine_pi_free_5: 5 coefficients of r Q(z) on |r| <= 1.570797280469213: error 2^-27.3 (2^-27.3 rounded to double),
+// below 1 by 2^-39.4 at least on 1.25 <= r <= 1.570797280469213
+inline constexpr double sine_pi_free_5[5] = {
+    std::bit_cast<double>(0x3EC5CC01674C2807ull),  // 2.59839253613937e-06
+    std::bit_cast<double>(0xBF29F5BC640CE547ull),  // -0.00019805836384438112
+    std::bit_cast<double>(0x3F8110E4BDA232B4ull),  // 0.0083330030795648394
+    std::bit_cast<double>(0xBFC555546A11D1AEull),  // -0.1666665571134564
+    std::bit_cast<double>(0x3FEFFFFFFCCA95A6ull),  // 0.99999999402341611
+};
+
 }  // namespace qon::vm::trig_poly
