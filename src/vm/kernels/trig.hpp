@@ -29,12 +29,6 @@
 // forms below are chosen for short chains (no N = 2m formed, the cosine's m from one floor).
 #pragma once
 
-
-
-
-
-
-
 #include <qon/qon_pax.h>
 
 #include <cmath>
