@@ -24,9 +24,10 @@
 // errors 2^-57 and 2^-59.5 relative as rounded); the pairs of the tangent use Taylor
 // coefficients and carry -1/6 exactly.
 //
-// These kernels are bound less by how many operations they issue than by how long each
-// vector's chain of dependent operations is, which limits how many vectors are in flight: the
-// forms below are chosen for short chains (no N = 2m formed, the cosine's m from one floor).
+// The long HA forms are bound by how long each vector's chain of dependent operations is, which
+// limits how many vectors are in flight: they are chosen for short chains (no N = 2m formed, the
+// cosine's m from one floor). The short EP forms are bound by the operations they issue: Horner's
+// scheme (Estrin's was 15% slower there), no |x| and sign restore, no clamp in the double sine.
 #pragma once
 
 #include <qon/qon_pax.h>
