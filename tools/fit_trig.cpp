@@ -1,5 +1,5 @@
-// Fits the polynomials of the sine and cosine kernels (src/vm/kernels/trig.hpp) and prints them
-// as C++ constants with their exact bit patterns.
+// Fits the polynomials of the sine, cosine and tangent kernels (src/vm/kernels/trig.hpp,
+// tan.cpp) and prints them as C++ constants with their exact bit patterns.
 //
 //     g++ -O2 -std=gnu++20 tools/fit_trig.cpp -o /tmp/fit_trig -lquadmath
 //     /tmp/fit_trig > src/vm/kernels/trig_poly.hpp
@@ -26,7 +26,14 @@
 // checked in double arithmetic, Horner with fused multiply-adds as the kernel evaluates it.
 // (A fit that is exactly 1 at RN(pi/2) cannot also stay at or below 1 next to it: the
 // evaluation's own rounding, about an ulp, lifts some neighbours to 1 + 2^-52.)
+//
+// The tangent takes tan r = r N(z) / D(z) with D(0) = 1, a near-minimax rational fit in
+// relative error found by Loeb's linearization and Lawson's iteration (see tangent_fit), on
+// |r| <= pi/4 + 2^-20 in double and pi/4 + 2^-4 in float: 2/pi rounded to a float is off by
+// 4.0e-8 of itself, so near |x| = 2^20 the float reduction's n can be the neighbour of
+// round(2x/pi) when 2x/pi is within 0.027 of a half-integer, leaving r up to 0.043 past pi/4.
 #include <cmath>
+#include <string>
 
 #include "chebyshev_fit.hpp"
 
@@ -94,39 +101,49 @@ std::vector<Q> solve(std::vector<std::vector<Q>> a, std::vector<Q> b) {
     return x;
 }
 
+// One round of Lawson's iteration for min over c of max_i |a_i . c - b_i|: the weighted
+// least-squares solution, after which each weight is multiplied by its residual.
+std::vector<Q> lawson_round(const std::vector<std::vector<Q>> &a, const std::vector<Q> &b, std::vector<Q> &w) {
+    const int k = static_cast<int>(a[0].size()), points = static_cast<int>(b.size());
+    std::vector<std::vector<Q>> n(k, std::vector<Q>(k, 0));
+    std::vector<Q> y(k, 0);
+    for (int i = 0; i < points; ++i)
+        for (int j = 0; j < k; ++j) {
+            y[j] += w[i] * a[i][j] * b[i];
+            for (int l = 0; l < k; ++l) n[j][l] += w[i] * a[i][j] * a[i][l];
+        }
+    const std::vector<Q> c = solve(n, y);
+    Q total = 0;
+    for (int i = 0; i < points; ++i) {
+        Q e = -b[i];
+        for (int j = 0; j < k; ++j) e += c[j] * a[i][j];
+        w[i] *= fabsq(e);
+        total += w[i];
+    }
+    for (Q &wi : w) wi /= total;
+    return c;
+}
+
+// The sample points of a fit on (0, r_max]: Chebyshev-spaced, dense at both ends.
+constexpr int points = 3000;
+Q sample(Q r_max, int i) { return r_max * cosq(pi() / 2 * i / points); }
+
 // Q(z) of `count` coefficients (lowest degree first) with r Q(z) ~ sin r in relative error on
 // |r| <= r_max and r_max Q(r_max^2) = (1 - eta) sin r_max. With the constraint solved for the
 // constant coefficient, the relative error is b(r) - sum_j c_j A_j(r) over the others, linear
 // in them: A_j = r (z^j - Z^j) / sin r, b = r (1 - eta) sin(r_max) / (r_max sin r) - 1.
 std::vector<Q> sine_free_fit(Q r_max, int count, Q eta) {
     const Q z_max = r_max * r_max, end = (1 - eta) * sinq(r_max) / r_max;
-    const int k = count - 1, points = 3000;
+    const int k = count - 1;
     std::vector<std::vector<Q>> a(points, std::vector<Q>(k));
     std::vector<Q> b(points), w(points, Q(1) / points);
     for (int i = 0; i < points; ++i) {
-        const Q r = r_max * cosq(pi() / 2 * i / points), z = r * r, s = sinq(r);
+        const Q r = sample(r_max, i), z = r * r, s = sinq(r);
         for (int j = 0; j < k; ++j) a[i][j] = r * (powq(z, j + 1) - powq(z_max, j + 1)) / s;
         b[i] = r * end / s - 1;
     }
-    std::vector<Q> c(k, 0);
-    for (int round = 0; round < 400; ++round) {
-        std::vector<std::vector<Q>> n(k, std::vector<Q>(k, 0));
-        std::vector<Q> y(k, 0);
-        for (int i = 0; i < points; ++i)
-            for (int j = 0; j < k; ++j) {
-                y[j] += w[i] * a[i][j] * b[i];
-                for (int l = 0; l < k; ++l) n[j][l] += w[i] * a[i][j] * a[i][l];
-            }
-        c = solve(n, y);
-        Q total = 0;
-        for (int i = 0; i < points; ++i) {
-            Q e = -b[i];
-            for (int j = 0; j < k; ++j) e += c[j] * a[i][j];
-            w[i] *= fabsq(e);
-            total += w[i];
-        }
-        for (Q &wi : w) wi /= total;
-    }
+    std::vector<Q> c;
+    for (int round = 0; round < 400; ++round) c = lawson_round(a, b, w);
     std::vector<Q> out(count);
     out[0] = end;
     for (int j = 0; j < k; ++j) {
@@ -134,6 +151,62 @@ std::vector<Q> sine_free_fit(Q r_max, int count, Q eta) {
         out[0] += c[j] * powq(z_max, j + 1);
     }
     return out;
+}
+
+// tan r ~ r N(z) / D(z) in relative error on |r| <= r_max, N of `nn` coefficients and D of `nd`
+// with D(0) = 1 (both lowest degree first). The error r N / (t D) - 1 is linearized as
+// (r N - t D) / (t D'), with D' the denominator of the previous round (Loeb's scheme), which is
+// linear in the coefficients; each round is one of Lawson's on it.
+void tangent_fit(Q r_max, int nn, int nd, std::vector<Q> &num, std::vector<Q> &den) {
+    const int k = nn + nd - 1;
+    std::vector<std::vector<Q>> a(points, std::vector<Q>(k));
+    std::vector<Q> b(points), w(points, Q(1) / points);
+    den.assign(nd, 0);
+    den[0] = 1;
+    for (int round = 0; round < 600; ++round) {
+        for (int i = 0; i < points; ++i) {
+            const Q r = sample(r_max, i), z = r * r, t = tanq(r), d = eval_q(den, z);
+            for (int j = 0; j < nn; ++j) a[i][j] = r * powq(z, j) / (t * d);
+            for (int j = 1; j < nd; ++j) a[i][nn + j - 1] = -powq(z, j) / d;
+            b[i] = 1 / d;
+        }
+        const std::vector<Q> c = lawson_round(a, b, w);
+        num.assign(c.begin(), c.begin() + nn);
+        for (int j = 1; j < nd; ++j) den[j] = c[nn + j - 1];
+    }
+}
+
+// The tangent's pair as the kernel evaluates it in T: z = r r, N and D by Horner with fused
+// multiply-adds, r N / D.
+template <class T>
+Q tangent_eval(const std::vector<T> &num, const std::vector<T> &den, T r) {
+    const T z = r * r;
+    T n = num.back(), d = den.back();
+    for (int i = static_cast<int>(num.size()) - 2; i >= 0; --i) n = std::fma(n, z, num[i]);
+    for (int i = static_cast<int>(den.size()) - 2; i >= 0; --i) d = std::fma(d, z, den[i]);
+    return Q(r * n) / Q(d);
+}
+
+// Emits N and D of `nn` and `nd` coefficients as name_num and name_den.
+template <class T>
+void emit_tangent(const char *name, Q r_max, int nn, int nd) {
+    std::vector<Q> num, den;
+    tangent_fit(r_max, nn, nd, num, den);
+    const std::vector<T> n_t(num.begin(), num.end()), d_t(den.begin(), den.end());
+    Q fit_error = 0, rounded_error = 0;
+    for (int i = 1; i <= 20000; ++i) {
+        const T r = static_cast<T>(r_max * i / 20000);
+        const Q t = tanq(Q(r)), z = Q(r) * Q(r);
+        fit_error = fmaxq(fit_error, fabsq(Q(r) * eval_q(num, z) / (eval_q(den, z) * t) - 1));
+        rounded_error = fmaxq(rounded_error, fabsq(tangent_eval(n_t, d_t, r) / t - 1));
+    }
+    std::printf("\n// %s: tan r = r N(z) / D(z), %d and %d coefficients on |r| <= %.17g: error 2^%.1f\n"
+                "// (2^%.1f evaluated in %s before the division)\n",
+                name, nn, nd, double(r_max), double(log2q(fit_error)), double(log2q(rounded_error)),
+                sizeof(T) == 4 ? "float" : "double");
+    const std::string base = name;
+    print_array((base + "_num").c_str(), n_t);
+    print_array((base + "_den").c_str(), d_t);
 }
 
 // r Q(z) as the EP kernels evaluate it in T: z = r r, Horner with fused multiply-adds, r times Q.
@@ -175,8 +248,8 @@ void emit_free(const char *name, Q r_max, int count, Q eta, Q r_past) {
 
 int main() {
     const Q by_pi = pi() / 2 + 0x1p-20Q, by_half_pi = pi() / 4 + 0x1p-20Q;
-    std::printf("// Polynomials of the sine and cosine kernels, generated by tools/fit_trig.cpp (highest\n"
-                "// degree first; see there for the functions, intervals and fitting).\n"
+    std::printf("// Polynomials of the sine, cosine and tangent kernels, generated by tools/fit_trig.cpp\n"
+                "// (highest degree first; see there for the functions, intervals and fitting).\n"
                 "#pragma once\n\n#include <bit>\n\nnamespace qon::vm::trig_poly {\n");
     emit<double>("sine_half_pi_7", sine_part, sine_weight, by_half_pi, 7);
     emit<double>("cosine_half_pi_6", cosine_part, cosine_weight, by_half_pi, 6);
@@ -185,6 +258,9 @@ int main() {
     emit<float>("sine_pi_5f", sine_part, sine_weight, by_pi, 5);
     emit<float>("sine_pi_3f", sine_part, sine_weight, by_pi, 3, true);
     emit_free<double>("sine_pi_free_5", by_pi, 5, 0x1p-40Q, by_pi);
+    const Q by_half_pi_float = pi() / 4 + 0x1p-4Q;
+    emit_tangent<double>("tangent_3_3", by_half_pi, 3, 3);
+    emit_tangent<float>("tangent_2_2f", by_half_pi_float, 2, 2);
     std::printf("\n}  // namespace qon::vm::trig_poly\n");
     return 0;
 }

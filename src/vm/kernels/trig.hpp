@@ -67,11 +67,11 @@ struct Constants<float> {
     static constexpr std::uint32_t two_over_pi = 0x3F22F983;
     static constexpr std::uint32_t shifter = 0x4B400000;      // 1.5*2^23
     static constexpr std::uint32_t shifter_odd = 0x4B400001;  // 1.5*2^23 + 1
-    static constexpr std::uint32_t pio2_1 = 0x3FC90FDB;
-    static constexpr std::uint32_t pio2_2 = 0xB33BBD2E;
-    static constexpr std::uint32_t pio2_3 = 0xA6F72CED;
     // pi = P1 + P2 + P3 (+1.9e-22), P1 and P2 rounded down, so that all three are positive
-    // and x - m P1 - m P2 - m P3 keeps the sign of x = -0.
+    // and x - m P1 - m P2 - m P3 keeps the sign of x = -0; C = P/2.
+    static constexpr std::uint32_t pio2_1 = 0x3FC90FDA;  // 1.57079625
+    static constexpr std::uint32_t pio2_2 = 0x33A22168;  // 7.54978942e-08
+    static constexpr std::uint32_t pio2_3 = 0x27C234C5;  // 5.39030295e-15
     static constexpr std::uint32_t pi_1 = 0x40490FDA;  // 3.14159250
     static constexpr std::uint32_t pi_2 = 0x34222168;  // 1.50995788e-07
     static constexpr std::uint32_t pi_3 = 0x284234C5;  // 1.07806059e-14
@@ -364,26 +364,20 @@ struct BlendedHA {
     }
 };
 
-// A one-result function by pi/2: Kind::combine<quick>(x, a, s, c) picks the result from the
-// reduced argument and the pairs (`quick`: the slot's accuracy allows the shorter form);
-// paired (HA) uses the carried sine pair. Single precision runs in double lanes,
-// rounded once, with `wide`, otherwise in float lanes.
-template <class Kind, class E, int sin_terms, int cos_terms, bool paired, int parts = 3, bool wide = true,
-          bool quick = false>
-struct ByHalfPi {
-    using T = E;
+// A one-result double function by pi/2 from the pairs of sin r (`sin_terms`) and cos r
+// (`cos_terms`): Kind::combine(x, a, s, c) forms the result; `paired` carries the reduction's
+// low part and the sine's leading term (HA), otherwise the reduction subtracts `parts`
+// constants and the pairs' low parts are the polynomials' tails.
+template <class Kind, int sin_terms, int cos_terms, bool paired, int parts = 3>
+struct PairsByHalfPi {
+    using T = double;
     static constexpr int groups = 4;
 
-    template <class D>
-    static D in_lanes(D x) {
-        const Reduced<D> a = reduce<paired, parts>(x);
-        const D z = a.r * a.r;
-        return Kind::template combine<quick>(x, a, sin_pair<sin_terms, paired>(a, z),
-                                             cos_pair<cos_terms, paired>(a, z));
-    }
     template <class V>
     static V eval(V x) {
-        return lanes_of<wide>(x, [](auto d) { return in_lanes(d); });
+        const Reduced<V> a = reduce<paired, parts>(x);
+        const V z = a.r * a.r;
+        return Kind::combine(x, a, sin_pair<sin_terms, paired>(a, z), cos_pair<cos_terms, paired>(a, z));
     }
     template <bool tail, class V>
     static Mask<V> special(V x) {
@@ -394,22 +388,6 @@ struct ByHalfPi {
         return trig::scalar(x, r, [](long double w) { return Kind::f(w); });
     }
 };
-
-// Terms by pi/2 (|r| <= pi/4): double HA paired, S 8 and C 7 (truncation 2^-63); LA 8 and 7;
-// EP and single HA (in double lanes) 4 and 4, two constants (2^-28); single LA in float lanes,
-// 4 and 4 with three float constants; single EP 2 and 2 (truncation 2^-14) with the quick form.
-template <class Kind>
-using HalfPiHA = ByHalfPi<Kind, double, 8, 7, true>;
-template <class Kind>
-using HalfPiLA = ByHalfPi<Kind, double, 8, 7, false>;
-template <class Kind>
-using HalfPiEP = ByHalfPi<Kind, double, 4, 4, false, 2, true, true>;
-template <class Kind>
-using HalfPiSingleHA = ByHalfPi<Kind, float, 4, 4, false, 2, true, true>;
-template <class Kind>
-using HalfPiSingle = ByHalfPi<Kind, float, 4, 4, false, 3, false>;
-template <class Kind>
-using HalfPiSingleEP = ByHalfPi<Kind, float, 2, 2, false, 3, false, true>;
 
 // Polynomials by pi (|r| <= pi/2; fit errors relative to sin r in trig_poly.hpp): double LA 8
 // coefficients (2^-54.6 as rounded); EP two constants, the sine r Q(z) with Q of 5 (2^-27.3),
@@ -435,10 +413,3 @@ using ByPiSingleEP = ByPi<Kind, float, trig_poly::sine_pi_3f, 3, Form::clamped>;
                           qon::vm::trig::ByPiEP<Kind>)                                                      \
     QON_VM_VECTOR_KERNELS(s, F, float, qon::vm::trig::ByPiSingleLA<Kind>, qon::vm::trig::ByPiSingleHA<Kind>, \
                           qon::vm::trig::ByPiSingleEP<Kind>)
-
-// The six kernels of a one-result function by pi/2 alone (the tangent).
-#define QON_VM_TRIG_KERNELS(F, Kind)                                                                        \
-    QON_VM_VECTOR_KERNELS(d, F, double, qon::vm::trig::HalfPiLA<Kind>, qon::vm::trig::HalfPiHA<Kind>,       \
-                          qon::vm::trig::HalfPiEP<Kind>)                                                    \
-    QON_VM_VECTOR_KERNELS(s, F, float, qon::vm::trig::HalfPiSingle<Kind>, qon::vm::trig::HalfPiSingleHA<Kind>, \
-                          qon::vm::trig::HalfPiSingleEP<Kind>)
