@@ -1,7 +1,8 @@
 // Near-minimax polynomial fits in quad precision for the tools that generate kernel
 // coefficients: interpolation at the Chebyshev nodes of an interval (within a small factor of
 // the minimax error), re-expanded in powers of u - centre, and Horner evaluation of the fit in
-// quad (`eval_q`) and with its coefficients rounded to the element type (`eval`).
+// quad (`eval_q`) and with its coefficients rounded to the element type (`eval`); and rounds of
+// Lawson's iteration for weighted minimax fits that are linear in their coefficients.
 #pragma once
 
 #include <quadmath.h>
@@ -10,6 +11,7 @@
 #include <cstdio>
 #include <cstring>
 #include <functional>
+#include <utility>
 #include <vector>
 
 namespace qon::tools {
@@ -71,6 +73,53 @@ inline Q eval_q(const std::vector<Q> &c, Q d) {
     Q s = 0;
     for (int i = static_cast<int>(c.size()) - 1; i >= 0; --i) s = s * d + c[i];
     return s;
+}
+
+// Solves the k x k system a x = b (Gaussian elimination with partial pivoting).
+inline std::vector<Q> solve(std::vector<std::vector<Q>> a, std::vector<Q> b) {
+    const int k = static_cast<int>(b.size());
+    for (int c = 0; c < k; ++c) {
+        int p = c;
+        for (int i = c + 1; i < k; ++i)
+            if (fabsq(a[i][c]) > fabsq(a[p][c])) p = i;
+        std::swap(a[c], a[p]);
+        std::swap(b[c], b[p]);
+        for (int i = c + 1; i < k; ++i) {
+            const Q f = a[i][c] / a[c][c];
+            for (int j = c; j < k; ++j) a[i][j] -= f * a[c][j];
+            b[i] -= f * b[c];
+        }
+    }
+    std::vector<Q> x(k);
+    for (int i = k - 1; i >= 0; --i) {
+        Q t = b[i];
+        for (int j = i + 1; j < k; ++j) t -= a[i][j] * x[j];
+        x[i] = t / a[i][i];
+    }
+    return x;
+}
+
+// One round of Lawson's iteration for min over c of max_i |a_i . c - b_i|: the weighted
+// least-squares solution, after which each weight is multiplied by its residual.
+inline std::vector<Q> lawson_round(const std::vector<std::vector<Q>> &a, const std::vector<Q> &b, std::vector<Q> &w) {
+    const int k = static_cast<int>(a[0].size()), points = static_cast<int>(b.size());
+    std::vector<std::vector<Q>> n(k, std::vector<Q>(k, 0));
+    std::vector<Q> y(k, 0);
+    for (int i = 0; i < points; ++i)
+        for (int j = 0; j < k; ++j) {
+            y[j] += w[i] * a[i][j] * b[i];
+            for (int l = 0; l < k; ++l) n[j][l] += w[i] * a[i][j] * a[i][l];
+        }
+    const std::vector<Q> c = solve(n, y);
+    Q total = 0;
+    for (int i = 0; i < points; ++i) {
+        Q e = -b[i];
+        for (int j = 0; j < k; ++j) e += c[j] * a[i][j];
+        w[i] *= fabsq(e);
+        total += w[i];
+    }
+    for (Q &wi : w) wi /= total;
+    return c;
 }
 
 // Prints coefficients (lowest degree first in c) as a C++ array, highest degree first, each

@@ -134,7 +134,7 @@ int main(int argc, char **argv) {
                     "// (highest degree first; see there for the functions, intervals and fitting).\n"
                     "#pragma once\n\n#include <bit>\n\nnamespace qon::vm::erfinv_poly {\n\n");
     if (want("main_ha")) emit("main_ha", p_of_w, 0, w_main, 3.125Q, 16, 0x1p-60Q);
-    if (want("main_la")) emit("main_la", p_of_w, 0, w_main, 3.125Q, 16, 0x1p-56Q);
+    if (want("main_la")) emit("main_la", p_of_w, 0, w_main, 3.125Q, 16, 0x1p-54Q);
     if (want("main_ep")) emit("main_ep", p_of_w, 0, w_main, 3.125Q, 6, 0x1p-29Q);
     if (want("main_slope")) emit("main_slope", dp_of_w, 0, w_main, 0, 1, 0x1p-5Q);
     if (want("far1_ha")) emit("far1_ha", far_of_t, 2.5Q, t_split, 3.25Q, 12, 0x1p-60Q);

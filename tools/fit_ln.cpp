@@ -9,9 +9,12 @@
 //   q(r) = (log1p(r) - r)/r^2 (the HA methods add r^2 q(r) to the exact K + r); the printed
 //        errors are of r^2 q, absolute, and relative to log1p r near 1 (|r| <= 1/24, interval
 //        of c = 1);
-//   P(r) = log1p(r)/r (the LA and EP methods compute r P(r) + K), relative.
-// Each polynomial interpolates its function at the Chebyshev nodes of the interval
-// (tools/chebyshev_fit.hpp) and is rounded once to the element type it is evaluated in; errors
+//   P(r) = log1p(r)/r (the LA methods compute r P(r) + K), relative.
+// The double EP method has no table: x = 2^k m, m in [sqrt(2)/2, sqrt(2)), f = m - 1,
+// u = 2f/(2 + f), and ln m = 2 atanh(u/2) = u + u w R(w), w = u^2 (|u| <= 0.3431):
+//   R(w) = (2 atanh(u/2) - u)/(u w), its error printed relative to ln m.
+// Each polynomial but R interpolates its function at the Chebyshev nodes of the interval
+// (tools/chebyshev_fit.hpp; R is a minimax fit, see atanh_fit) and is rounded once to the element type it is evaluated in; errors
 // are the largest at 4000 points, with the coefficients in quad and rounded.
 #include "chebyshev_fit.hpp"
 
@@ -21,6 +24,11 @@ using namespace qon::tools;
 
 Q tail_part(Q r) { return fabsq(r) < 0x1p-40Q ? -0.5Q + r / 3 : (log1pq(r) - r) / (r * r); }
 Q whole(Q r) { return fabsq(r) < 0x1p-40Q ? 1 - r / 2 : log1pq(r) / r; }
+Q atanh_part(Q w) {
+    if (w < 0x1p-40Q) return 1 / Q(12) + w / 80;
+    const Q u = sqrtq(w);
+    return (2 * atanhq(u / 2) - u) / (u * w);
+}
 
 template <class T>
 void emit_tail(const char *name, Q r_max, int count) {
@@ -53,6 +61,36 @@ void emit_whole(const char *name, Q r_max, int count) {
     print_array(name, rounded);
 }
 
+// R of `count` coefficients (lowest degree first): the minimax fit of ln m in relative error,
+// by Lawson's iteration on u w w^j / ln m against (ln m - u) / ln m.
+std::vector<Q> atanh_fit(Q u_max, int count) {
+    const int points = 3000;
+    std::vector<std::vector<Q>> a(points, std::vector<Q>(count));
+    std::vector<Q> b(points), w(points, Q(1) / points);
+    for (int i = 0; i < points; ++i) {
+        const Q u = u_max * cosq(pi() / 2 * i / points), v = u * u, g = 2 * atanhq(u / 2);
+        for (int j = 0; j < count; ++j) a[i][j] = u * v * powq(v, j) / g;
+        b[i] = (g - u) / g;
+    }
+    std::vector<Q> c;
+    for (int round = 0; round < 400; ++round) c = lawson_round(a, b, w);
+    return c;
+}
+
+template <class T>
+void emit_atanh(const char *name, Q u_max, int count) {
+    const std::vector<Q> c = atanh_fit(u_max, count);
+    const std::vector<T> rounded(c.begin(), c.end());
+    Q relative = 0;
+    for (int i = 1; i <= 4000; ++i) {
+        const Q u = u_max * i / 4000, w = u * u;
+        relative = fmaxq(relative, u * w * fabsq(eval(rounded, w) - atanh_part(w)) / (2 * atanhq(u / 2)));
+    }
+    std::printf("\n// %s: R, %d coefficients on |u| <= %.4g: relative error 2^%.1f (rounded to %s)\n", name, count,
+                double(u_max), double(log2q(relative)), sizeof(T) == 4 ? "float" : "double");
+    print_array(name, rounded);
+}
+
 }  // namespace
 
 int main() {
@@ -62,7 +100,7 @@ int main() {
                 "#pragma once\n\n#include <bit>\n\nnamespace qon::vm::ln_poly {\n");
     emit_tail<double>("tail_ha", eight, 11);
     emit_whole<double>("whole_la", four, 13);
-    emit_whole<double>("whole_ep", four, 7);
+    emit_atanh<double>("atanh_ep", 2 * (sqrtq(2) - 1) / (sqrtq(2) + 1) + 0x1p-20Q, 3);
     emit_tail<float>("tail_ha_f", eight, 5);
     emit_whole<float>("whole_la_f", eight, 5);
     emit_whole<float>("whole_ep_f", eight, 3);

@@ -77,53 +77,6 @@ void emit(const char *name, Q (*f)(Q), Q (*weight)(Q), Q r_max, int count, bool 
     print_array(name, rounded);
 }
 
-// Solves the k x k system a x = b (Gaussian elimination with partial pivoting).
-std::vector<Q> solve(std::vector<std::vector<Q>> a, std::vector<Q> b) {
-    const int k = static_cast<int>(b.size());
-    for (int c = 0; c < k; ++c) {
-        int p = c;
-        for (int i = c + 1; i < k; ++i)
-            if (fabsq(a[i][c]) > fabsq(a[p][c])) p = i;
-        std::swap(a[c], a[p]);
-        std::swap(b[c], b[p]);
-        for (int i = c + 1; i < k; ++i) {
-            const Q f = a[i][c] / a[c][c];
-            for (int j = c; j < k; ++j) a[i][j] -= f * a[c][j];
-            b[i] -= f * b[c];
-        }
-    }
-    std::vector<Q> x(k);
-    for (int i = k - 1; i >= 0; --i) {
-        Q t = b[i];
-        for (int j = i + 1; j < k; ++j) t -= a[i][j] * x[j];
-        x[i] = t / a[i][i];
-    }
-    return x;
-}
-
-// One round of Lawson's iteration for min over c of max_i |a_i . c - b_i|: the weighted
-// least-squares solution, after which each weight is multiplied by its residual.
-std::vector<Q> lawson_round(const std::vector<std::vector<Q>> &a, const std::vector<Q> &b, std::vector<Q> &w) {
-    const int k = static_cast<int>(a[0].size()), points = static_cast<int>(b.size());
-    std::vector<std::vector<Q>> n(k, std::vector<Q>(k, 0));
-    std::vector<Q> y(k, 0);
-    for (int i = 0; i < points; ++i)
-        for (int j = 0; j < k; ++j) {
-            y[j] += w[i] * a[i][j] * b[i];
-            for (int l = 0; l < k; ++l) n[j][l] += w[i] * a[i][j] * a[i][l];
-        }
-    const std::vector<Q> c = solve(n, y);
-    Q total = 0;
-    for (int i = 0; i < points; ++i) {
-        Q e = -b[i];
-        for (int j = 0; j < k; ++j) e += c[j] * a[i][j];
-        w[i] *= fabsq(e);
-        total += w[i];
-    }
-    for (Q &wi : w) wi /= total;
-    return c;
-}
-
 // The sample points of a fit on (0, r_max]: Chebyshev-spaced, dense at both ends.
 constexpr int points = 3000;
 Q sample(Q r_max, int i) { return r_max * cosq(pi() / 2 * i / points); }

@@ -4,14 +4,15 @@
 // the exact c = 1 - |x| as 2c - c^2 (|x| >= 1/2), one fused rounding each.
 //   main  w <= 6.25 (|x| <= 0.998): erfinv(x) = x p(w). As a function of w, p(w) = erfinv(x)/x
 //         has no singularity near the interval (1 - x^2 = e^-w never reaches 0), so one
-//         polynomial in u = w - 3.125 fits it: degree 26 (HA, fit error 2^-62.6), 24 (LA,
-//         2^-56.8), 12 (EP, 2^-30.5); coefficients from tools/fit_erfinv.cpp.
+//         polynomial in u = w - 3.125 fits it: degree 26 (HA, fit error 2^-62.6), 23 (LA,
+//         2^-55.2), 12 (EP, 2^-30.5); coefficients from tools/fit_erfinv.cpp.
 //   far   w > 6.25 (x within 0.002 of +-1; a branch taken only for a vector with such a lane):
 //         t = sqrt(w), erfinv = sign(x) g(t), polynomials in t - 3.25 on [2.5, 4] (degree 19)
 //         and t - 5 on [4, 6.07] (degree 17, 1 - |x| down to 2^-53), evaluated as in HA by
 //         every slot.
-// The logarithm: LA and EP take the Ln kernels' method of their slot (ln_core.hpp: a short
-// factor from a table and a fitted polynomial, no division); HA's is inline as a pair:
+// The logarithm: LA and EP take the Ln kernels' method of their slot (ln_core.hpp: LA a short
+// factor from a table and a fitted polynomial, EP one division and the atanh series); HA's is
+// inline as a pair:
 // P = 2^k m, m in [sqrt(2)/2, sqrt(2)), f = m - 1 exact, s = f/(2 + f),
 // ln(1 + f) = f - f^2/2 + s(f^2/2 + R(s^2)), R the atanh series of 10 terms.
 // HA carries the rounding errors: 1 - x^2 as a pair, the logarithm as a pair (k ln2_hi + f

@@ -40,32 +40,31 @@ static constexpr double main_ha_lo[2] = {
     std::bit_cast<double>(0x3C6372088217855Full),  // 8.4331163252192682e-18
     std::bit_cast<double>(0xBC7B3639C30931FBull),  // -2.3602490514133152e-17
 };
-// main_la: degree 24 on [0, 6.25] in u - 3.125: fit error 2^-56.8, rounded coefficients 2^-54.5, sum|terms|/|p| 2.83
-static constexpr double main_la[25] = {
-    std::bit_cast<double>(0xBB7B2643E45E1856ull),  // -3.5932028927020693e-22
-    std::bit_cast<double>(0x3BAE2AA7DDD776B6ull),  // 3.194015548136271e-21
-    std::bit_cast<double>(0x3BD79A647E43B44Eull),  // 1.9992599888615348e-20
-    std::bit_cast<double>(0xBC19A137911C05CFull),  // -3.4734793888538036e-19
-    std::bit_cast<double>(0x3C2669B9213D3CDFull),  // 6.0750507020724141e-19
-    std::bit_cast<double>(0x3C71E1F9EE618B29ull),  // 1.5510787009902526e-17
-    std::bit_cast<double>(0xBCA19AC650194DCAull),  // -1.2215637192404172e-16
-    std::bit_cast<double>(0xBC86B6B0FC6A580Full),  // -3.9401881223043202e-17
-    std::bit_cast<double>(0x3CFD5E95ECC5F898ull),  // 6.5213335115022388e-15
-    std::bit_cast<double>(0xBD26877E8AE70F27ull),  // -4.0020031087558496e-14
-    std::bit_cast<double>(0xBD36B86F85109F07ull),  // -8.0719259389900406e-14
-    std::bit_cast<double>(0x3D87236B79E1D57Eull),  // 2.6305268312595183e-12
-    std::bit_cast<double>(0xBDAC8A6AFA1550F4ull),  // -1.2978805369932565e-11
-    std::bit_cast<double>(0xBDCDC3F457145CD3ull),  // -5.4143032839195042e-11
-    std::bit_cast<double>(0x3E120F544D62FFF1ull),  // 1.051223377050429e-09
-    std::bit_cast<double>(0xBE31A9EB00326B9Bull),  // -4.1126604371632185e-09
-    std::bit_cast<double>(0xBE5F36CEED4416AEull),  // -2.907039127564132e-08
-    std::bit_cast<double>(0x3E9C6B4F8868F532ull),  // 4.2347881682224598e-07
-    std::bit_cast<double>(0xBEB6E8A53C7AC2FFull),  // -1.3654691758785656e-06
-    std::bit_cast<double>(0xBEED1D1F7C9FFA6Dull),  // -1.3882523393957483e-05
-    std::bit_cast<double>(0x3F2879C2A20AEB2Eull),  // 0.00018673420801981186
-    std::bit_cast<double>(0xBF484576948359DDull),  // -0.00074070253415464314
-    std::bit_cast<double>(0xBF78B6C33114EA2Full),  // -0.0060336708714268513
-    std::bit_cast<double>(0x3FCEBD80D9B13DFAull),  // 0.24015818242558834
+// main_la: degree 23 on [0, 6.25] in u - 3.125: fit error 2^-55.2, rounded coefficients 2^-54.0, sum|terms|/|p| 2.83
+static constexpr double main_la[24] = {
+    std::bit_cast<double>(0x3BAE9B8AE7230C25ull),  // 3.240704459379902e-21
+    std::bit_cast<double>(0xBB95087A244B0F6Cull),  // -1.113483769832702e-21
+    std::bit_cast<double>(0xBC19D290DD3BCB70ull),  // -3.4996044354754177e-19
+    std::bit_cast<double>(0x3C3536D397F9B9B1ull),  // 1.150022252066253e-18
+    std::bit_cast<double>(0x3C71F4BA5DE5DC3Full),  // 1.5574320246233251e-17
+    std::bit_cast<double>(0xBCA2C266176E7096ull),  // -1.3016928016796445e-16
+    std::bit_cast<double>(0xBC873898C37DC54Aull),  // -4.0282154327661744e-17
+    std::bit_cast<double>(0x3CFDB523EB040288ull),  // 6.5964077124208341e-15
+    std::bit_cast<double>(0xBD2686642B67610Aull),  // -4.0012377350918961e-14
+    std::bit_cast<double>(0xBD36D9EC5E3EC6AFull),  // -8.1183994430743526e-14
+    std::bit_cast<double>(0x3D8723527B7CFF86ull),  // 2.6304834740560442e-12
+    std::bit_cast<double>(0xBDAC89564C5D1004ull),  // -1.2976885526532075e-11
+    std::bit_cast<double>(0xBDCDC3EE8B6C53CCull),  // -5.414287198084716e-11
+    std::bit_cast<double>(0x3E120F4E6BF074CFull),  // 1.0512181539804126e-09
+    std::bit_cast<double>(0xBE31A9EB1BC8F0F0ull),  // -4.1126608200232397e-09
+    std::bit_cast<double>(0xBE5F36CE4AE847FDull),  // -2.9070382262927266e-08
+    std::bit_cast<double>(0x3E9C6B4F890935DDull),  // 4.2347881737823391e-07
+    std::bit_cast<double>(0xBEB6E8A53F106129ull),  // -1.3654691850603575e-06
+    std::bit_cast<double>(0xBEED1D1F7CA4030Full),  // -1.3882523394405316e-05
+    std::bit_cast<double>(0x3F2879C2A20DA432ull),  // 0.00018673420802464837
+    std::bit_cast<double>(0xBF484576948353E1ull),  // -0.00074070253415447704
+    std::bit_cast<double>(0xBF78B6C33114EEAEull),  // -0.0060336708714278497
+    std::bit_cast<double>(0x3FCEBD80D9B13DF9ull),  // 0.24015818242558831
     std::bit_cast<double>(0x3FFA755E7C99AE86ull),  // 1.6536545626831027
 };
 // main_ep: degree 12 on [0, 6.25] in u - 3.125: fit error 2^-30.5, rounded coefficients 2^-30.5, sum|terms|/|p| 2.83

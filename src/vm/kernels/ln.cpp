@@ -14,10 +14,15 @@
 //              logc_hi is exact (both multiples of 2^-42), K + r is split exactly (Fast2Sum: the
 //              exponent of logc_hi is at least that of r), and k L2 + logc_lo + the low part +
 //              r^2 q(r) is added last: the final rounding dominates. Measured 0.554 ulp.
-//   double LA, EP  N = 4 (|r| <= 0.12, <= 1/12 near 1), K = k ln2 + RN(-ln c_j) in one fused
-//              multiply-add and ln x = r P(r) + K with P(r) = log1p(r)/r; LA 13 coefficients
+//   double LA  N = 4 (|r| <= 0.12, <= 1/12 near 1), K = k ln2 + RN(-ln c_j) in one fused
+//              multiply-add and ln x = r P(r) + K with P(r) = log1p(r)/r of 13 coefficients
 //              (2^-55.4 relative; the roundings of K and of r P + K dominate): measured
-//              2.54 ulp; EP 7 (2^-30.3): measured 6.8e6 ulp (2^-29.3 relative, 29 bits).
+//              2.54 ulp.
+//   double EP  no table (a permute of double pairs costs more than the division it saves):
+//              x = 2^k m, m in [sqrt(2)/2, sqrt(2)), f = m - 1 exact, u = 2f/(2 + f) with one
+//              division, ln m = 2 atanh(u/2) = u + u w R(w), w = u^2, |u| <= 0.344, R of 3
+//              coefficients (a minimax fit, 2^-30.2 relative), ln x = k ln2 + ln m: measured
+//              7.1e6 ulp (2^-29.2 relative).
 //   single HA  N = 8 in float lanes, q of 5 coefficients (2^-34.8 absolute), the HA scheme with
 //              L1 and logc_hi multiples of 2^-16 (k L1 + logc_hi exact for |k| <= 150):
 //              measured 0.556 ulp.

@@ -2,8 +2,9 @@
 // function (erfinv.cpp): x = 2^k z with z in [OFF, 2 OFF), OFF ~ 0.7; the bits of z just past
 // the offset pick one of N intervals and its short factor c_j ~ 1/z (ln_tables.hpp, read with
 // register permutes); r = z c_j - 1 is exact, and ln x = k ln2 - ln c_j + log1p(r) with log1p
-// by the fitted polynomials of ln_poly.hpp. log_core<A> takes positive normal lanes; the
-// methods and their error bounds are described in ln.cpp.
+// by the fitted polynomials of ln_poly.hpp. Double EP takes no table: ln z = 2 atanh(u/2) with
+// u = 2(z - 1)/(z + 1). log_core<A> takes positive normal lanes; the methods and their error
+// bounds are described in ln.cpp.
 #pragma once
 
 #include <cstdint>
@@ -61,6 +62,7 @@ struct Set8<float> {
     static constexpr std::uint32_t offset = 0x3F355555;  // the same point
     static constexpr const float *c = tab::c8_f, *logc_hi = tab::logc8_hi_f, *logc_lo = tab::logc8_lo_f;
 };
+constexpr std::uint64_t root_half = 0x3FE6A09E667F3BCD;  // sqrt(2)/2
 struct Set4 {
     static constexpr int bits = 2;
     static constexpr std::uint64_t offset = 0x3FE5555540000000;  // 0.66666662693023682
@@ -76,6 +78,28 @@ V polynomial(V r) {
     return estrin<n, horner_low>(r, [](auto i) { return splat<V>(static_cast<Elem<V>>(c[n - 1 - i])); });
 }
 
+// x = 2^k z for a positive normal x with z in [OFF, 2 OFF), OFF given by its bits: k (lowered
+// by shift) as a float, z, and t = the bits of x less those of OFF (the bits of z just past OFF
+// are its top mantissa bits).
+template <class V>
+[[gnu::always_inline]] inline void split(V x, typename Traits<V>::U offset, Elem<V> shift, V &k, V &z, Ints<V> &t) {
+    using F = Format<Elem<V>>;
+    constexpr int m = F::mantissa;
+    const auto ix = bits(x);
+    if constexpr (std::is_same_v<Elem<V>, float>) {
+        t = ix - splat_q<V>(offset);  // k in the exponent field, as a signed integer
+        const auto ki = sra<m>(t);
+        z = from_bits(ix - shl<m>(ki));
+        k = int_to_float(ki);
+    } else {
+        t = ix + splat_q<V>(F::one - offset);  // k + 1023 in the exponent field
+        const auto e = shr<m>(t);
+        z = from_bits(ix - shl<m>(e) + splat_q<V>(F::one));
+        k = from_bits(e + splat_q<V>(F::shifter)) - splat<V>(F::bias);
+    }
+    if (shift != 0) k = k - splat<V>(shift);
+}
+
 // The reduction of a positive normal x: k (lowered by shift), r = z*c_j - 1 and the interval j
 // (in the low bits of each lane; the bits above are ignored by the lookups).
 template <class V>
@@ -85,24 +109,10 @@ struct Reduced {
 };
 template <class Set, class V>
 [[gnu::always_inline]] inline Reduced<V> reduce(V x, Elem<V> shift) {
-    using F = Format<Elem<V>>;
-    constexpr int m = F::mantissa;
-    const auto ix = bits(x);
     V k, z;
     Ints<V> t;
-    if constexpr (std::is_same_v<Elem<V>, float>) {
-        t = ix - splat_q<V>(Set::offset);  // k in the exponent field, as a signed integer
-        const auto ki = sra<m>(t);
-        z = from_bits(ix - shl<m>(ki));
-        k = int_to_float(ki);
-    } else {
-        t = ix + splat_q<V>(F::one - Set::offset);  // k + 1023 in the exponent field
-        const auto e = shr<m>(t);
-        z = from_bits(ix - shl<m>(e) + splat_q<V>(F::one));
-        k = from_bits(e + splat_q<V>(F::shifter)) - splat<V>(F::bias);
-    }
-    if (shift != 0) k = k - splat<V>(shift);
-    const auto j = shr<m - Set::bits>(t);
+    split(x, Set::offset, shift, k, z, t);
+    const auto j = shr<Format<Elem<V>>::mantissa - Set::bits>(t);
     const V r = mul_sub(z, permute_table<(1 << Set::bits)>(Set::c, j), splat<V>(1));
     return {k, r, j};
 }
@@ -113,11 +123,20 @@ template <int A, class V>
 [[gnu::always_inline]] inline V log_core(V x, Elem<V> shift = 0) {
     using T = Elem<V>;
     constexpr bool single = std::is_same_v<T, float>;
-    if constexpr (A != HA && !single) {
+    if constexpr (A == EP && !single) {
+        // No table: x = 2^k m, m in [sqrt(2)/2, sqrt(2)), f = m - 1 exact, u = 2f/(2 + f),
+        // ln m = u + u w R(w), w = u^2.
+        V k, m;
+        Ints<V> t;
+        split(x, root_half, shift, k, m, t);
+        const V f = m - splat<V>(1.0);
+        const V u = f / mul_add(f, splat<V>(0.5), splat<V>(1.0));
+        const V w = u * u;
+        return mul_add(k, constant<V>(Format<double>::ln2), mul_add(u * w, polynomial<ln_poly::atanh_ep>(w), u));
+    } else if constexpr (A == LA && !single) {
         const auto [k, r, j] = reduce<Set4>(x, shift);
         const V K = mul_add(k, constant<V>(Format<double>::ln2), permute_table<4>(tab::logc4, j));
-        if constexpr (A == LA) return mul_add(r, polynomial<ln_poly::whole_la>(r), K);
-        else return mul_add(r, polynomial<ln_poly::whole_ep, 0>(r), K);
+        return mul_add(r, polynomial<ln_poly::whole_la>(r), K);
     } else if constexpr (A != HA && single) {
         const auto [k, r, j] = reduce<Set8<T>>(x, shift);
         const V K = mul_add(k, constant<V>(Format<float>::ln2), permute_table<8>(tab::logc8_f, j));

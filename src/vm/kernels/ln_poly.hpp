@@ -38,15 +38,11 @@ inline constexpr double whole_la[13] = {
     std::bit_cast<double>(0x3FF0000000000000ull),  // 1
 };
 
-// whole_ep: P, 7 coefficients on |r| <= 0.1198: relative error 2^-30.3 (rounded to double)
-inline constexpr double whole_ep[7] = {
-    std::bit_cast<double>(0x3FC2A5F2B5F0C0CDull),  // 0.14568933376131668
-    std::bit_cast<double>(0xBFC5BDB47485EAD2ull),  // -0.16985183419804756
-    std::bit_cast<double>(0x3FC998EE5B6088BBull),  // 0.19997958623668474
-    std::bit_cast<double>(0xBFCFFF3F6F06C9FAull),  // -0.24997704430786866
-    std::bit_cast<double>(0x3FD555557CB6D418ull),  // 0.33333337000959906
-    std::bit_cast<double>(0xBFE0000016243D30ull),  // -0.50000004124186681
-    std::bit_cast<double>(0x3FF0000000000000ull),  // 1
+// atanh_ep: R, 3 coefficients on |u| <= 0.3431: relative error 2^-30.2 (rounded to double)
+inline constexpr double atanh_ep[3] = {
+    std::bit_cast<double>(0x3F631E0E4E3D6038ull),  // 0.0023336676985472836
+    std::bit_cast<double>(0x3F8995ECF902867Eull),  // 0.01249299178045082
+    std::bit_cast<double>(0x3FB55557A0C89F46ull),  // 0.083333470109775737
 };
 
 // tail_ha_f: q, 5 coefficients on |r| <= 0.0625: r^2 q within 2^-34.8 absolute, 2^-32.3 relative near 1 (rounded to float)
