@@ -26,6 +26,10 @@
 // checked in double arithmetic, Horner with fused multiply-adds as the kernel evaluates it.
 // (A fit that is exactly 1 at RN(pi/2) cannot also stay at or below 1 next to it: the
 // evaluation's own rounding, about an ulp, lifts some neighbours to 1 + 2^-52.)
+// The single EP sine takes the same form with 3 coefficients, fitted on |r| <= pi/2 + 2^-4
+// (1/pi rounded to a float moves the reduction's m by one near |x| = 2^20, leaving r up to
+// 0.042 past pi/2), the constraint at pi/2 with eta = 2^-15, and every float from 1.25 to the
+// end checked.
 //
 // The tangent takes tan r = r N(z) / D(z) with D(0) = 1, a near-minimax rational fit in
 // relative error found by Loeb's linearization and Lawson's iteration (see tangent_fit), on
@@ -82,11 +86,11 @@ constexpr int points = 3000;
 Q sample(Q r_max, int i) { return r_max * cosq(pi() / 2 * i / points); }
 
 // Q(z) of `count` coefficients (lowest degree first) with r Q(z) ~ sin r in relative error on
-// |r| <= r_max and r_max Q(r_max^2) = (1 - eta) sin r_max. With the constraint solved for the
+// |r| <= r_max and r_c Q(r_c^2) = (1 - eta) sin r_c. With the constraint solved for the
 // constant coefficient, the relative error is b(r) - sum_j c_j A_j(r) over the others, linear
-// in them: A_j = r (z^j - Z^j) / sin r, b = r (1 - eta) sin(r_max) / (r_max sin r) - 1.
-std::vector<Q> sine_free_fit(Q r_max, int count, Q eta) {
-    const Q z_max = r_max * r_max, end = (1 - eta) * sinq(r_max) / r_max;
+// in them: A_j = r (z^j - Z^j) / sin r, b = r (1 - eta) sin(r_c) / (r_c sin r) - 1, Z = r_c^2.
+std::vector<Q> sine_free_fit(Q r_max, int count, Q eta, Q r_c) {
+    const Q z_max = r_c * r_c, end = (1 - eta) * sinq(r_c) / r_c;
     const int k = count - 1;
     std::vector<std::vector<Q>> a(points, std::vector<Q>(k));
     std::vector<Q> b(points), w(points, Q(1) / points);
@@ -171,11 +175,11 @@ T sine_free_eval(const std::vector<T> &c, T r) {
     return r * q;
 }
 
-// Emits Q of `count` coefficients, with r Q(z) = (1 - eta) sin r at the end of the interval
-// and checked to stay below 1 from r = 1.25 to r_past in T.
+// Emits Q of `count` coefficients on |r| <= r_max, with r Q(z) = (1 - eta) sin r at r = r_c,
+// checked to stay below 1 from r = 1.25 to r_past in T (at every float, or at 200001 doubles).
 template <class T>
-void emit_free(const char *name, Q r_max, int count, Q eta, Q r_past) {
-    const std::vector<Q> c = sine_free_fit(r_max, count, eta);
+void emit_free(const char *name, Q r_max, int count, Q eta, Q r_c, Q r_past) {
+    const std::vector<Q> c = sine_free_fit(r_max, count, eta, r_c);
     const std::vector<T> rounded(c.begin(), c.end());
     Q fit_error = 0, rounded_error = 0;
     for (int i = 1; i <= 4000; ++i) {
@@ -185,7 +189,11 @@ void emit_free(const char *name, Q r_max, int count, Q eta, Q r_past) {
     }
     T top = 0;
     const T from = 1.25, to = static_cast<T>(r_past);
-    for (int i = 0; i <= 200000; ++i) top = std::fmax(top, sine_free_eval(rounded, from + (to - from) * i / 200000));
+    if constexpr (sizeof(T) == 4) {
+        for (T r = from; r <= to; r = std::nextafter(r, to + 1)) top = std::fmax(top, sine_free_eval(rounded, r));
+    } else {
+        for (int i = 0; i <= 200000; ++i) top = std::fmax(top, sine_free_eval(rounded, from + (to - from) * i / 200000));
+    }
     if (top >= 1) {
         std::fprintf(stderr, "%s reaches %.17g\n", name, double(top));
         std::exit(1);
@@ -210,7 +218,9 @@ int main() {
     emit<double>("sine_pi_5", sine_part, sine_weight, by_pi, 5, true);
     emit<float>("sine_pi_5f", sine_part, sine_weight, by_pi, 5);
     emit<float>("sine_pi_3f", sine_part, sine_weight, by_pi, 3, true);
-    emit_free<double>("sine_pi_free_5", by_pi, 5, 0x1p-40Q, by_pi);
+    emit_free<double>("sine_pi_free_5", by_pi, 5, 0x1p-40Q, by_pi, by_pi);
+    const Q by_pi_float = pi() / 2 + 0x1p-4Q;
+    emit_free<float>("sine_pi_free_3f", by_pi_float, 3, 0x1p-15Q, pi() / 2, by_pi_float);
     const Q by_half_pi_float = pi() / 4 + 0x1p-4Q;
     emit_tangent<double>("tangent_3_3", by_half_pi, 3, 3);
     emit_tangent<float>("tangent_2_2f", by_half_pi_float, 2, 2);

@@ -120,9 +120,10 @@ struct Reduced {
 //            the float 1;
 //   clamped  the product with S by Horner's scheme, clamped to [-1, 1] (EP; the short fits
 //            overshoot at the end, so sin(+-pi/2) and cos 0 are 1);
-//   free     r S(z) with S fitted to sin r / r, its constant coefficient free (double EP sine):
+//   free     r S(z) with S fitted to sin r / r, its constant coefficient free (EP sine):
 //            by Horner's scheme, the fewest operations; the fit undershoots at the end of the
-//            interval, so no clamp is needed (sin(RN(pi/2)) is 1 - 2^-39).
+//            interval, so no clamp is needed (sin(RN(pi/2)) is 1 - 2^-39 in double, about
+//            1 - 2^-15 in float).
 enum class Form { fused, product, clamped, free };
 
 // sin x (cosine false) or cos x (cosine true) for |x| <= 2^20, with `parts` constants of pi/2
@@ -392,7 +393,8 @@ struct PairsByHalfPi {
 // Polynomials by pi (|r| <= pi/2; fit errors relative to sin r in trig_poly.hpp): double LA 8
 // coefficients (2^-54.6 as rounded); EP two constants, the sine r Q(z) with Q of 5 (2^-27.3),
 // the cosine 5 clamped (2^-32.3, so that cos 0 is 1); single HA in double lanes 5 with two
-// double constants, LA 5 (2^-25.7 rounded to float) and EP 3 (2^-17.0, clamped) in float.
+// double constants, LA 5 (2^-25.7 rounded to float) and EP 3 in float: the cosine clamped
+// (2^-17.0), the sine r Q(z) (2^-12.8, below 1 by 2^-15 up to r = pi/2 + 2^-4).
 template <class Kind>
 using ByPiLA = ByPi<Kind, double, trig_poly::sine_pi_8, 3>;
 template <class Kind>
@@ -403,7 +405,8 @@ using ByPiSingleHA = ByPi<Kind, float, trig_poly::sine_pi_5, 2, Form::product, t
 template <class Kind>
 using ByPiSingleLA = ByPi<Kind, float, trig_poly::sine_pi_5f, 3>;
 template <class Kind>
-using ByPiSingleEP = ByPi<Kind, float, trig_poly::sine_pi_3f, 3, Form::clamped>;
+using ByPiSingleEP = std::conditional_t<Kind::cosine, ByPi<Kind, float, trig_poly::sine_pi_3f, 3, Form::clamped>,
+                                        ByPi<Kind, float, trig_poly::sine_pi_free_3f, 3, Form::free>>;
 
 }  // namespace qon::vm::trig
 

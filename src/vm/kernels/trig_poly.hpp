@@ -74,6 +74,14 @@ inline constexpr double sine_pi_free_5[5] = {
     std::bit_cast<double>(0x3FEFFFFFFCCA95A6ull),  // 0.99999999402341611
 };
 
+// sine_pi_free_3f: 3 coefficients of r Q(z) on |r| <= 1.6332963267948966: error 2^-12.8 (2^-12.8 rounded to float),
+// below 1 by 2^-15.1 at least on 1.25 <= r <= 1.6332963267948966
+inline constexpr float sine_pi_free_3f[3] = {
+    std::bit_cast<float>(0x3BF73159u),  // 0.0075437245
+    std::bit_cast<float>(0xBE29D152u),  // -0.165837556
+    std::bit_cast<float>(0x3F7FF6EBu),  // 0.999861419
+};
+
 // tangent_3_3: tan r = r N(z) / D(z), 3 and 3 coefficients on |r| <= 0.78539911707176469: error 2^-35.4
 // (2^-35.4 evaluated in double before the division)
 inline constexpr double tangent_3_3_num[3] = {
