@@ -172,13 +172,13 @@ struct ExpEP : CommonRange {
     static constexpr std::uint64_t inv_ln2 = 0x3FF71547652B82FE;  // 1/ln2 = 1.4426950408889634
     static constexpr std::uint64_t ln2 = 0x3FE62E42FEFA39EF;      // 0.69314718055994529
     // e^s ~ 1 + s (c1 + s (c2 + ... + s c6)) on |s| <= ln2/2 (+0.1%): relative error 2^-28.9,
-    // a minimax fit (Lawson's iteration on 6000 Chebyshev points).
-    static constexpr std::uint64_t c1 = 0x3FF0000008AF3E38;  // 1.0000000323524443
-    static constexpr std::uint64_t c2 = 0x3FDFFFFFC172288C;  // 0.4999999417419836
-    static constexpr std::uint64_t c3 = 0x3FC5554182333328;  // 0.1666643033735451
-    static constexpr std::uint64_t c4 = 0x3FA555825255738A;  // 0.041668007421981804
-    static constexpr std::uint64_t c5 = 0x3F812682EC4E264A;  // 0.00837423595091304
-    static constexpr std::uint64_t c6 = 0x3F56AE68E943889E;  // 0.001384355976420205
+    // a minimax fit made by tools/fit_exp.cpp.
+    static constexpr std::uint64_t c1 = 0x3FF0000008AEF064;  // 1.0000000323480203
+    static constexpr std::uint64_t c2 = 0x3FDFFFFFC1746C41;  // 0.49999994175022172
+    static constexpr std::uint64_t c3 = 0x3FC5554182AAFEDC;  // 0.16666430359145223
+    static constexpr std::uint64_t c4 = 0x3FA55582513DC81B;  // 0.041668007294802765
+    static constexpr std::uint64_t c5 = 0x3F812682AB2B2DCD;  // 0.0083742340551883569
+    static constexpr std::uint64_t c6 = 0x3F56AE69266638A8;  // 0.0013843561988298534
 
     template <class V>
     static V eval(V x) {
