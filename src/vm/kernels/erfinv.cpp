@@ -22,7 +22,7 @@
 // the far region t = sqrt(w) is corrected by (w - t^2 + w_lo)/(2t) (g'(t) = 1 within 4%).
 // Measured max error (accuracy harness, 1e6 arguments per region: uniform on (-1, 1),
 // log-uniform magnitudes, 1 - |x| log-uniform from 1/2 down to 2^-53): double HA 0.59 ulp,
-// LA 2.2 ulp (mostly the rounding of u = w - 3.125 near w = 0), EP 6.0e6 ulp (29 correct bits).
+// LA 2.3 ulp (mostly the rounding of u = w - 3.125 near w = 0), EP 6.2e6 ulp (29 correct bits).
 // Single: every slot evaluates the double EP method in double lanes and rounds once (relative
 // error below 2^-29 before rounding): measured 0.511 ulp (1e6 arguments per region).
 // Lanes with |x| >= 1, NaN, or |x| < 2^-969 (2^-125 single: where x p_lo or the result may be

