@@ -79,8 +79,8 @@ V polynomial(V r) {
 }
 
 // x = 2^k z for a positive normal x with z in [OFF, 2 OFF), OFF given by its bits: k (lowered
-// by shift) as a float, z, and t = the bits of x less those of OFF (the bits of z just past OFF
-// are its top mantissa bits).
+// by shift) in the lanes' floating-point type, z, and t = the bits of x less those of OFF (the
+// bits of z just past OFF are its top mantissa bits).
 template <class V>
 [[gnu::always_inline]] inline void split(V x, typename Traits<V>::U offset, Elem<V> shift, V &k, V &z, Ints<V> &t) {
     using F = Format<Elem<V>>;
