@@ -49,6 +49,7 @@ template <class E, const auto &N, const auto &D, int parts, bool wide = false>
 struct Quotient {
     using T = E;
     static constexpr int groups = 4;
+    static constexpr double limit = vector_limit;
 
     template <class W>
     static W in_lanes(W x) {

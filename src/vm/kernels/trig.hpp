@@ -338,6 +338,7 @@ template <class Kind, class E, const auto &S, int parts, Form form = Form::fused
 struct ByPi {
     using T = E;
     static constexpr int groups = std::is_same_v<E, double> || wide ? 4 : 2;
+    static constexpr double limit = vector_limit;
 
     template <class V>
     static V eval(V x) {
