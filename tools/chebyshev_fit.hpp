@@ -122,6 +122,17 @@ inline std::vector<Q> lawson_round(const std::vector<std::vector<Q>> &a, const s
     return c;
 }
 
+// Lawson's iteration from equal weights, `rounds` rounds: near-minimax coefficients for the
+// linear problem a c ~ b.
+inline std::vector<Q> lawson(const std::vector<std::vector<Q>> &a, const std::vector<Q> &b, int rounds = 400) {
+    std::vector<Q> w(b.size(), Q(1) / static_cast<int>(b.size())), c;
+    for (int round = 0; round < rounds; ++round) c = lawson_round(a, b, w);
+    return c;
+}
+
+// Point i of `points` on (0, top], Chebyshev-spaced (dense at both ends): top cos(pi i / 2 points).
+inline Q half_cosine_point(Q top, int i, int points) { return top * cosq(pi() / 2 * i / points); }
+
 // Prints coefficients (lowest degree first in c) as a C++ array, highest degree first, each
 // with its exact bit pattern.
 template <class T>

@@ -17,14 +17,13 @@ int main() {
     const int count = 6, points = 4000;
     const Q s_max = logq(2) / 2 * (1 + 0x1p-10Q);
     std::vector<std::vector<Q>> a(points, std::vector<Q>(count));
-    std::vector<Q> b(points), w(points, Q(1) / points);
+    std::vector<Q> b(points);
     for (int i = 0; i < points; ++i) {
         const Q s = s_max * cosq(pi() * (i + 0.5Q) / points), e = expq(s);
         for (int j = 0; j < count; ++j) a[i][j] = powq(s, j + 1) / e;
         b[i] = (e - 1) / e;
     }
-    std::vector<Q> c;
-    for (int round = 0; round < 400; ++round) c = lawson_round(a, b, w);
+    const std::vector<Q> c = lawson(a, b);
     std::vector<double> rounded(c.begin(), c.end());
     Q worst = 0;
     for (int i = 0; i <= 20000; ++i) {

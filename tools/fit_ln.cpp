@@ -14,8 +14,9 @@
 // u = 2f/(2 + f), and ln m = 2 atanh(u/2) = u + u w R(w), w = u^2 (|u| <= 0.3431):
 //   R(w) = (2 atanh(u/2) - u)/(u w), its error printed relative to ln m.
 // Each polynomial but R interpolates its function at the Chebyshev nodes of the interval
-// (tools/chebyshev_fit.hpp; R is a minimax fit, see atanh_fit) and is rounded once to the element type it is evaluated in; errors
-// are the largest at 4000 points, with the coefficients in quad and rounded.
+// (tools/chebyshev_fit.hpp; R is a minimax fit, see atanh_fit) and is rounded once to the
+// element type it is evaluated in; errors are the largest at 4000 points, with the coefficients
+// in quad and rounded.
 #include "chebyshev_fit.hpp"
 
 namespace {
@@ -66,15 +67,13 @@ void emit_whole(const char *name, Q r_max, int count) {
 std::vector<Q> atanh_fit(Q u_max, int count) {
     const int points = 3000;
     std::vector<std::vector<Q>> a(points, std::vector<Q>(count));
-    std::vector<Q> b(points), w(points, Q(1) / points);
+    std::vector<Q> b(points);
     for (int i = 0; i < points; ++i) {
-        const Q u = u_max * cosq(pi() / 2 * i / points), v = u * u, g = 2 * atanhq(u / 2);
+        const Q u = half_cosine_point(u_max, i, points), v = u * u, g = 2 * atanhq(u / 2);
         for (int j = 0; j < count; ++j) a[i][j] = u * v * powq(v, j) / g;
         b[i] = (g - u) / g;
     }
-    std::vector<Q> c;
-    for (int round = 0; round < 400; ++round) c = lawson_round(a, b, w);
-    return c;
+    return lawson(a, b);
 }
 
 template <class T>

@@ -81,9 +81,9 @@ void emit(const char *name, Q (*f)(Q), Q (*weight)(Q), Q r_max, int count, bool 
     print_array(name, rounded);
 }
 
-// The sample points of a fit on (0, r_max]: Chebyshev-spaced, dense at both ends.
+// The number of sample points of a fit on (0, r_max].
 constexpr int points = 3000;
-Q sample(Q r_max, int i) { return r_max * cosq(pi() / 2 * i / points); }
+Q sample(Q r_max, int i) { return half_cosine_point(r_max, i, points); }
 
 // Q(z) of `count` coefficients (lowest degree first) with r Q(z) ~ sin r in relative error on
 // |r| <= r_max and r_c Q(r_c^2) = (1 - eta) sin r_c. With the constraint solved for the
@@ -93,14 +93,13 @@ std::vector<Q> sine_free_fit(Q r_max, int count, Q eta, Q r_c) {
     const Q z_max = r_c * r_c, end = (1 - eta) * sinq(r_c) / r_c;
     const int k = count - 1;
     std::vector<std::vector<Q>> a(points, std::vector<Q>(k));
-    std::vector<Q> b(points), w(points, Q(1) / points);
+    std::vector<Q> b(points);
     for (int i = 0; i < points; ++i) {
         const Q r = sample(r_max, i), z = r * r, s = sinq(r);
         for (int j = 0; j < k; ++j) a[i][j] = r * (powq(z, j + 1) - powq(z_max, j + 1)) / s;
         b[i] = r * end / s - 1;
     }
-    std::vector<Q> c;
-    for (int round = 0; round < 400; ++round) c = lawson_round(a, b, w);
+    const std::vector<Q> c = lawson(a, b);
     std::vector<Q> out(count);
     out[0] = end;
     for (int j = 0; j < k; ++j) {
