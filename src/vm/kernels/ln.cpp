@@ -90,7 +90,7 @@ struct LnDouble {
 template <int A>
 struct LnFloat {
     using T = float;
-    static constexpr int groups = 2;
+    static constexpr int groups = 4;
 
     template <class V>
     static V eval(V x) { return log_core<A>(x); }

@@ -337,7 +337,7 @@ V lanes_of(V x, F f) {
 template <class Kind, class E, const auto &S, int parts, Form form = Form::fused, bool wide = false>
 struct ByPi {
     using T = E;
-    static constexpr int groups = std::is_same_v<E, double> || wide ? 4 : 2;
+    static constexpr int groups = 4;
     static constexpr double limit = vector_limit;
 
     template <class V>
