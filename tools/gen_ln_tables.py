@@ -1,25 +1,25 @@
 #!/usr/bin/env python3
-"""Generates src/vm/kernels/ln_tables.cpp: the 16-entry tables of the logarithm kernels, and
+"""Generates src/vm/kernels/ln_tables.cpp: the interval tables of the logarithm kernels, and
 checks the properties the kernels rely on.
 
     python3 tools/gen_ln_tables.py > src/vm/kernels/ln_tables.cpp
     python3 tools/gen_ln_tables.py --check        (prints the bounds, fails on a violation)
 
-x = 2^k z with z in [OFF, 2*OFF), OFF = 0x3FE6555560000000 (0.6979..., exactly a float, so that
-the float kernels split at the same points). Interval j (0..15) holds the z whose bit pattern
-minus OFF has j in bits 48..51 (bits 19..22 of the float pattern): 1.0 sits two thirds into
-interval 9, so that interval's relative half-widths below and above 1 are equal (1/48).
+x = 2^k z with z in [OFF, 2*OFF); a set of N intervals (8: the single-precision kernels, 4: the
+double LA kernel) splits that range by the bits of z just past OFF. OFF is placed so that 1.0
+sits two thirds into its interval (the interval's relative half-widths below and above 1 are then
+equal, 1/(3N)), rounded down to a float so that double and float split at the same points.
 
-For each interval a short c_j near 1/z (c_9 = 1) is chosen among the multiples of 2^-q
-(q = 1..12) so that r = z*c_j - 1 is exactly representable for every z of the interval, in
-double and in float (z*c_j - 1 is a multiple of ulp(z)*ulp(c_j) and fits when
+For each interval a short c_j near 1/z (c = 1 on the interval of 1) is chosen among the multiples
+of 2^-q (q = 1..12) so that r = z*c_j - 1 is exactly representable for every z of the interval,
+in double and in float (z*c_j - 1 is a multiple of ulp(z)*ulp(c_j) and fits when
 |r| < 2^(precision) * ulp(z)*ulp(c_j)), minimising max |r|. Then
     ln x = k ln2 - ln c_j + log1p(r),
-  c[j]         c_j (exact, at most 7 significant bits)
-  logc_hi[j]   -ln c_j rounded to a multiple of 2^-42, so k*L1 + logc_hi (L1 = ln2 rounded to a
-               multiple of 2^-42, |k| <= 1075) is exact in double
-  logc_lo[j]   RN(-ln c_j - logc_hi[j])
-  logc_f[j]    RN_float(-ln c_j)
+  8 intervals  c8_f (c_j, at most 7 significant bits), logc8_f = RN_float(-ln c_j), and
+               logc8_hi_f = -ln c_j rounded to a multiple of 2^-16 (so that k*L1 + logc_hi is
+               exact in float, L1 = ln2 rounded to a multiple of 2^-16, |k| <= 150) with
+               logc8_lo_f = RN_float(-ln c_j - logc8_hi_f)
+  4 intervals  c4 and logc4 = RN(-ln c_j)
 -ln c_j is evaluated with mpmath at 200 bits and rounded once with exact rational arithmetic.
 """
 import struct
@@ -127,9 +127,8 @@ def rows():
     for j in range(N):
         c = choose_c(j)
         v = neg_log(c)
-        hi = round_to(v, Fraction(1, 2 ** 42))
         hi_f = round_to(v, Fraction(1, 2 ** 16))
-        out.append((c, hi, rn(v - hi), rn(v), rn_float(v), interval(j), hi_f, rn_float(v - hi_f)))
+        out.append((c, rn(v), rn_float(v), interval(j), hi_f, rn_float(v - hi_f)))
     return out
 
 
@@ -139,15 +138,12 @@ def hexd(x):
 
 # Per set: the arrays written (name, type, comment, entry).
 ARRAYS = {
-    '8': (('c8', 'double', 'c_j.', lambda r: hexd(r[0])),
-          ('logc8_hi', 'double', '-ln c_j rounded to a multiple of 2^-42.', lambda r: hexd(r[1])),
-          ('logc8_lo', 'double', '-ln c_j - logc8_hi[j] rounded to double.', lambda r: hexd(r[2])),
-          ('c8_f', 'float', 'c_j as floats.', lambda r: hexd(r[0]) + 'f'),
-          ('logc8_f', 'float', '-ln c_j rounded to float.', lambda r: hexd(r[4]) + 'f'),
-          ('logc8_hi_f', 'float', '-ln c_j rounded to a multiple of 2^-16.', lambda r: hexd(r[6]) + 'f'),
-          ('logc8_lo_f', 'float', '-ln c_j - logc8_hi_f[j] rounded to float.', lambda r: hexd(r[7]) + 'f')),
+    '8': (('c8_f', 'float', 'c_j as floats.', lambda r: hexd(r[0]) + 'f'),
+          ('logc8_f', 'float', '-ln c_j rounded to float.', lambda r: hexd(r[2]) + 'f'),
+          ('logc8_hi_f', 'float', '-ln c_j rounded to a multiple of 2^-16.', lambda r: hexd(r[4]) + 'f'),
+          ('logc8_lo_f', 'float', '-ln c_j - logc8_hi_f[j] rounded to float.', lambda r: hexd(r[5]) + 'f')),
     '4': (('c4', 'double', 'c_j.', lambda r: hexd(r[0])),
-          ('logc4', 'double', '-ln c_j rounded to double.', lambda r: hexd(r[3]))),
+          ('logc4', 'double', '-ln c_j rounded to double.', lambda r: hexd(r[1]))),
 }
 
 
@@ -181,14 +177,14 @@ def check():
     for name, n, j1 in SETS:
         use(n, j1)
         print('%d intervals, offset 0x%016X (float 0x%08X)' % (n, OFF, struct.unpack('<I', struct.pack('<f', bits_to_double(OFF)))[0]))
-        for j, (c, hi, lo, full, lf, (zlo, zhi), hi_f, lo_f) in enumerate(rows()):
+        for j, (c, full, lf, (zlo, zhi), hi_f, lo_f) in enumerate(rows()):
             rmax = max(abs(zlo * c - 1), abs(zhi * c - 1))
             lnmin = 0 if zlo <= 1 < zhi else min(abs(float(mpmath.log(float(zlo)))), abs(float(mpmath.log(float(zhi)))))
             # Fast2Sum of logc_hi + r needs exponent(logc_hi) >= exponent(r) (or logc_hi = 0)
-            f2s = hi == 0 or (ulp_exp(abs(hi), 53) >= ulp_exp(rmax, 53) and ulp_exp(abs(hi_f), 53) >= ulp_exp(rmax, 53))
+            f2s = hi_f == 0 or ulp_exp(abs(hi_f), 53) >= ulp_exp(rmax, 53)
             ok &= f2s and exact_for(zlo, zhi, c)
             print('%2d z [%.5f, %.5f) c %-6s r_max %.5f  -ln c %+.5f  min|ln z| %.4f  fast2sum %s' % (
-                j, zlo, zhi, str(c), rmax, float(hi), lnmin, f2s))
+                j, zlo, zhi, str(c), rmax, float(full), lnmin, f2s))
     return ok
 
 

@@ -9,11 +9,12 @@
 // r = z c_j - 1 is exact (one fused multiply-subtract: c_j has at most 7 bits and
 // |r| < 2^(1 - bits of c_j)), and ln x = k ln2 - ln c_j + log1p(r), log1p by polynomials fitted
 // at Chebyshev nodes (ln_poly.hpp, made by tools/fit_ln.cpp) and evaluated by Estrin's scheme:
-//   double HA  N = 8 (|r| <= 0.0625, <= 1/24 on the interval of 1), r^2 q(r) with q of 11
-//              coefficients (within 2^-65.6 absolute, 2^-62.3 relative near 1). K = k L1 +
-//              logc_hi is exact (both multiples of 2^-42), K + r is split exactly (Fast2Sum: the
-//              exponent of logc_hi is at least that of r), and k L2 + logc_lo + the low part +
-//              r^2 q(r) is added last: the final rounding dominates. Measured 0.554 ulp.
+//   double HA  no table (a division costs less than the permutes of three tables): x = 2^k m,
+//              m in [sqrt(2)/2, sqrt(2)), f = m - 1 exact, u = 2f/(2 + f) as a pair u + u_lo
+//              (the residual of the division in one fused rounding), ln m = u + u_lo + u w R(w),
+//              w = u^2, R of 7 coefficients (a minimax fit, 2^-59.3 relative to ln m); k L1 + u
+//              split exactly (Fast2Sum), k L2 + u_lo + the low part + the tail (under 1% of the
+//              result) added last: the final rounding dominates. Measured 0.546 ulp.
 //   double LA  N = 4 (|r| <= 0.12, <= 1/12 near 1), K = k ln2 + RN(-ln c_j) in one fused
 //              multiply-add and ln x = r P(r) + K with P(r) = log1p(r)/r of 13 coefficients
 //              (2^-55.4 relative; the roundings of K and of r P + K dominate): measured
@@ -23,9 +24,10 @@
 //              division, ln m = 2 atanh(u/2) = u + u w R(w), w = u^2, |u| <= 0.344, R of 3
 //              coefficients (a minimax fit, 2^-30.2 relative), ln x = k ln2 + ln m: measured
 //              7.1e6 ulp (2^-29.2 relative).
-//   single HA  N = 8 in float lanes, q of 5 coefficients (2^-34.8 absolute), the HA scheme with
-//              L1 and logc_hi multiples of 2^-16 (k L1 + logc_hi exact for |k| <= 150):
-//              measured 0.556 ulp.
+//   single HA  N = 8 in float lanes, r^2 q(r) with q of 5 coefficients (2^-34.8 absolute).
+//              K = k L1 + logc_hi is exact (both multiples of 2^-16, |k| <= 150), K + r is split
+//              exactly (Fast2Sum: the exponent of logc_hi is at least that of r), and k L2 +
+//              logc_lo + the low part + r^2 q(r) is added last: measured 0.556 ulp.
 //   single LA, EP  N = 8, P of 5 and 3 coefficients (2^-26.5 and 2^-16 relative), K = k ln2 +
 //              RN_float(-ln c_j), r P(r) + K: measured 1.62 ulp and 260 ulp (2^-15 relative).
 // Lanes outside [smallest normal, largest finite] of their type and NaN go to the scalar routine:

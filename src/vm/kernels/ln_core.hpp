@@ -2,9 +2,9 @@
 // function (erfinv.cpp): x = 2^k z with z in [OFF, 2 OFF), OFF ~ 0.7; the bits of z just past
 // the offset pick one of N intervals and its short factor c_j ~ 1/z (ln_tables.hpp, read with
 // register permutes); r = z c_j - 1 is exact, and ln x = k ln2 - ln c_j + log1p(r) with log1p
-// by the fitted polynomials of ln_poly.hpp. Double EP takes no table: ln z = 2 atanh(u/2) with
-// u = 2(z - 1)/(z + 1). log_core<A> takes positive normal lanes; the methods and their error
-// bounds are described in ln.cpp.
+// by the fitted polynomials of ln_poly.hpp. Double HA and EP take no table: x = 2^k m and
+// ln m = 2 atanh(u/2) with u = 2(m - 1)/(m + 1), HA with u as a pair. log_core<A> takes positive
+// normal lanes; the methods and their error bounds are described in ln.cpp.
 #pragma once
 
 #include <cstdint>
@@ -45,21 +45,11 @@ struct Format<float> {
     static constexpr std::uint32_t ln2_lo = 0x35BFBE8E;  // L2: RN(ln 2 - L1)
 };
 // The table sets (ln_tables.hpp): the bits of the interval number, the offset OFF of the z
-// range (the same point in double and float), c_j.
-// Set8 also gives -ln c_j as hi + lo (hi a multiple of 2^-42 in double, 2^-16 in float, so that
-// k L1 + hi is exact).
-template <class T>
-struct Set8;
-template <>
-struct Set8<double> {
+// range, c_j. Set8 (single precision) also gives -ln c_j as hi + lo, hi a multiple of 2^-16 so
+// that k L1 + hi is exact in float.
+struct Set8 {
     static constexpr int bits = 3;
-    static constexpr std::uint64_t offset = 0x3FE6AAAAA0000000;  // 0.70833331346511841
-    static constexpr const double *c = tab::c8, *logc_hi = tab::logc8_hi, *logc_lo = tab::logc8_lo;
-};
-template <>
-struct Set8<float> {
-    static constexpr int bits = 3;
-    static constexpr std::uint32_t offset = 0x3F355555;  // the same point
+    static constexpr std::uint32_t offset = 0x3F355555;  // 0.708333313
     static constexpr const float *c = tab::c8_f, *logc_hi = tab::logc8_hi_f, *logc_lo = tab::logc8_lo_f;
 };
 constexpr std::uint64_t root_half = 0x3FE6A09E667F3BCD;  // sqrt(2)/2
@@ -94,7 +84,8 @@ template <class V>
     } else {
         t = ix + splat_q<V>(F::one - offset);  // k + 1023 in the exponent field
         const auto e = shr<m>(t);
-        z = from_bits(ix - shl<m>(e) + splat_q<V>(F::one));
+        // ix - 2^52 k = (t mod 2^52) + OFF
+        z = from_bits((t & splat_q<V>((std::uint64_t{1} << m) - 1)) + splat_q<V>(offset));
         k = from_bits(e + splat_q<V>(F::shifter)) - splat<V>(F::bias);
     }
     if (shift != 0) k = k - splat<V>(shift);
@@ -133,23 +124,42 @@ template <int A, class V>
         const V u = f / mul_add(f, splat<V>(0.5), splat<V>(1.0));
         const V w = u * u;
         return mul_add(k, constant<V>(Format<double>::ln2), mul_add(u * w, polynomial<ln_poly::atanh_ep>(w), u));
+    } else if constexpr (A == HA && !single) {
+        // No table: the same m and f, u = 2f/(2 + f) = f/h, h = 1 + f/2, as the pair u + u_lo:
+        // u = f (1/h), and u_lo = (f - u - u f/2)/h, whose numerator is one fused rounding of the
+        // exact residual (f - u is exact, Sterbenz: u/f is within [0.8, 1.2]). ln m = u + u_lo +
+        // u w R(w), w = u^2. k L1 + u is split exactly (Fast2Sum with K = k L1 exact, formed in
+        // both fused operations: |K| >= ln 2 > |u| unless K = 0); k L2, u_lo, the low part and
+        // the tail u w R(w) (under 0.0034) are added last.
+        V k, m;
+        Ints<V> t;
+        split(x, root_half, shift, k, m, t);
+        const V one = splat<V>(1.0);
+        const V f = m - one, hf = splat<V>(0.5) * f;
+        const V inv = one / mul_add(f, splat<V>(0.5), one);
+        const V u = f * inv;
+        const V u_lo = neg_mul_add(u, hf, f - u) * inv;
+        const V w = u * u;
+        const V tail = mul_add(u * w, polynomial<ln_poly::atanh_ha>(w), u_lo);
+        const V K = k * constant<V>(Format<double>::ln2_hi);
+        const V hi = K + u;
+        return hi + (((K - hi) + u) + mul_add(k, constant<V>(Format<double>::ln2_lo), tail));
     } else if constexpr (A == LA && !single) {
         const auto [k, r, j] = reduce<Set4>(x, shift);
         const V K = mul_add(k, constant<V>(Format<double>::ln2), permute_table<4>(tab::logc4, j));
         return mul_add(r, polynomial<ln_poly::whole_la>(r), K);
     } else if constexpr (A != HA && single) {
-        const auto [k, r, j] = reduce<Set8<T>>(x, shift);
+        const auto [k, r, j] = reduce<Set8>(x, shift);
         const V K = mul_add(k, constant<V>(Format<float>::ln2), permute_table<8>(tab::logc8_f, j));
         if constexpr (A == LA) return mul_add(r, polynomial<ln_poly::whole_la_f>(r), K);
         else return mul_add(r, polynomial<ln_poly::whole_ep_f, 0>(r), K);
     } else {
-        // K = k L1 + logc_hi is exact and K + r is split exactly (Fast2Sum).
-        const auto [k, r, j] = reduce<Set8<T>>(x, shift);
-        const V K = mul_add(k, constant<V>(Format<T>::ln2_hi), permute_table<8>(Set8<T>::logc_hi, j));
+        // Single HA: K = k L1 + logc_hi is exact and K + r is split exactly (Fast2Sum).
+        const auto [k, r, j] = reduce<Set8>(x, shift);
+        const V K = mul_add(k, constant<V>(Format<float>::ln2_hi), permute_table<8>(Set8::logc_hi, j));
         const V hi = K + r;
-        const V small = mul_add(k, constant<V>(Format<T>::ln2_lo), permute_table<8>(Set8<T>::logc_lo, j));
-        const V q = single ? polynomial<ln_poly::tail_ha_f>(r) : polynomial<ln_poly::tail_ha>(r);
-        return hi + mul_add(r * r, q, small + ((K - hi) + r));
+        const V small = mul_add(k, constant<V>(Format<float>::ln2_lo), permute_table<8>(Set8::logc_lo, j));
+        return hi + mul_add(r * r, polynomial<ln_poly::tail_ha_f>(r), small + ((K - hi) + r));
     }
 }
 

@@ -6,21 +6,6 @@
 
 namespace qon::vm::ln_poly {
 
-// tail_ha: q, 11 coefficients on |r| <= 0.0625: r^2 q within 2^-65.6 absolute, 2^-62.3 relative near 1 (rounded to double)
-inline constexpr double tail_ha[11] = {
-    std::bit_cast<double>(0xBFB587EBDC1F67BDull),  // -0.084105244866264209
-    std::bit_cast<double>(0x3FB77C4B60F382ADull),  // 0.091740332765321411
-    std::bit_cast<double>(0xBFB99966EA241E58ull),  // -0.099996978915549817
-    std::bit_cast<double>(0x3FBC719087ED5A60ull),  // 0.11110785788091837
-    std::bit_cast<double>(0xBFC000000B18E53Bull),  // -0.12500000516755869
-    std::bit_cast<double>(0x3FC249249E3C4FEEull),  // 0.14285714842173952
-    std::bit_cast<double>(0xBFC55555555359CFull),  // -0.16666666666306049
-    std::bit_cast<double>(0x3FC9999999977715ull),  // 0.19999999999611676
-    std::bit_cast<double>(0xBFD000000000000Dull),  // -0.25000000000000072
-    std::bit_cast<double>(0x3FD5555555555563ull),  // 0.33333333333333409
-    std::bit_cast<double>(0xBFE0000000000000ull),  // -0.5
-};
-
 // whole_la: P, 13 coefficients on |r| <= 0.1198: relative error 2^-55.4 (rounded to double)
 inline constexpr double whole_la[13] = {
     std::bit_cast<double>(0x3FB4824A86746BF8ull),  // 0.080113084627029596
@@ -36,6 +21,17 @@ inline constexpr double whole_la[13] = {
     std::bit_cast<double>(0x3FD5555555555533ull),  // 0.33333333333333143
     std::bit_cast<double>(0xBFDFFFFFFFFFFFDBull),  // -0.49999999999999795
     std::bit_cast<double>(0x3FF0000000000000ull),  // 1
+};
+
+// atanh_ha: R, 7 coefficients on |u| <= 0.3431: relative error 2^-59.3 (rounded to double)
+inline constexpr double atanh_ha[7] = {
+    std::bit_cast<double>(0x3ED2F02F29706916ull),  // 4.5152234156248523e-06
+    std::bit_cast<double>(0x3EF39A1FA645551Eull),  // 1.86939672784564e-05
+    std::bit_cast<double>(0x3F174663C5EF8A03ull),  // 8.8786925956742298e-05
+    std::bit_cast<double>(0x3F3C71C521617C55ull),  // 0.00043402731660608279
+    std::bit_cast<double>(0x3F624924941E0FF6ull),  // 0.0022321428704703506
+    std::bit_cast<double>(0x3F8999999997FEE5ull),  // 0.01249999999981761
+    std::bit_cast<double>(0x3FB5555555555592ull),  // 0.083333333333334175
 };
 
 // atanh_ep: R, 3 coefficients on |u| <= 0.3431: relative error 2^-30.2 (rounded to double)

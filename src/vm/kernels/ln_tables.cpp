@@ -6,21 +6,6 @@
 namespace qon::vm::ln_tables {
 
 // 8 intervals, z in [OFF, 2 OFF) with OFF bits 0x3FE6AAAAA0000000.
-// c_j.
-alignas(32) const double c8[8] = {
-    0x1.6000000000000p+0, 0x1.4000000000000p+0, 0x1.2000000000000p+0, 0x1.1000000000000p+0,
-    0x1.0000000000000p+0, 0x1.d000000000000p-1, 0x1.a000000000000p-1, 0x1.8000000000000p-1,
-};
-// -ln c_j rounded to a multiple of 2^-42.
-alignas(32) const double logc8_hi[8] = {
-    -0x1.4618bc21c6000p-2, -0x1.c8ff7c79aa000p-3, -0x1.e27076e2b0000p-4, -0x1.f0a30c0118000p-5,
-    0x0.0p+0, 0x1.9335e5d594000p-4, 0x1.a93ed3c8ae000p-3, 0x1.269621134e000p-2,
-};
-// -ln c_j - logc8_hi[j] rounded to double.
-alignas(32) const double logc8_lo[8] = {
-    0x1.3d82f484c84ccp-46, 0x1.7794f689f8434p-45, 0x1.a342c2af0003cp-45, 0x1.d599e83368e91p-45,
-    0x0.0p+0, 0x1.3115c3abd47dap-45, -0x1.8724350562169p-45, -0x1.1b61f10522625p-44,
-};
 // c_j as floats.
 alignas(32) const float c8_f[8] = {
     0x1.6000000000000p+0f, 0x1.4000000000000p+0f, 0x1.2000000000000p+0f, 0x1.1000000000000p+0f,

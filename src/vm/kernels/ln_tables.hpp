@@ -2,16 +2,13 @@
 // The reduced argument z in [OFF, 2 OFF) is split into N intervals by its bit pattern; for each,
 // a short factor c_j ~ 1/z (c = 1 on the interval of 1, which holds 1 two thirds into it) makes
 // r = z*c_j - 1 exact in double and float, and -ln c_j is given in the parts a method needs:
-//   8 intervals (double HA, LA; single): c8, logc8_hi (a multiple of 2^-42) + logc8_lo;
-//     c8_f, logc8_f (rounded to float), logc8_hi_f (a multiple of 2^-16) + logc8_lo_f
-//   4 intervals (double EP): c4, logc4 (rounded to double)
+//   8 intervals (single): c8_f, logc8_f (rounded to float), logc8_hi_f (a multiple of 2^-16)
+//     + logc8_lo_f
+//   4 intervals (double LA): c4, logc4 (rounded to double)
 #pragma once
 
 namespace qon::vm::ln_tables {
 
-extern const double c8[8];
-extern const double logc8_hi[8];
-extern const double logc8_lo[8];
 extern const float c8_f[8];
 extern const float logc8_f[8];
 extern const float logc8_hi_f[8];
