@@ -10,15 +10,13 @@
 //         t = sqrt(w), erfinv = sign(x) g(t), polynomials in t - 3.25 on [2.5, 4] (degree 19)
 //         and t - 5 on [4, 6.07] (degree 17, 1 - |x| down to 2^-53), evaluated as in HA by
 //         every slot.
-// The logarithm: LA and EP take the Ln kernels' method of their slot (ln_core.hpp: LA a short
-// factor from a table and a fitted polynomial, EP one division and the atanh series); HA's is
-// inline as a pair:
-// P = 2^k m, m in [sqrt(2)/2, sqrt(2)), f = m - 1 exact, s = f/(2 + f),
-// ln(1 + f) = f - f^2/2 + s(f^2/2 + R(s^2)), R the atanh series of 10 terms.
-// HA carries the rounding errors: 1 - x^2 as a pair, the logarithm as a pair (k ln2_hi + f
-// exact, f^2/2 split by fma, compensated sums), u = w - 3.125 compensated; the low part of u
-// enters through p'(w) (a quadratic, 2% accurate, on a term below 2^-53 p); the last two
-// Horner steps and the two lowest coefficients in double-double; y = fma(x, p_hi, x p_lo). In
+// The logarithm is the Ln kernels' method of the slot (ln_core.hpp: HA without a table, as a
+// pair with the low part of 1 - x^2; LA a short factor from a table and a fitted polynomial, EP
+// one division and the atanh series).
+// HA carries the rounding errors: 1 - x^2 and the logarithm as pairs, u = w - 3.125
+// compensated; the low part of u enters through p'(w) (a quadratic, 2% accurate, on a term below
+// 2^-53 p); the last two Horner steps and the two lowest coefficients in double-double;
+// y = fma(x, p_hi, x p_lo). In
 // the far region t = sqrt(w) is corrected by (w - t^2 + w_lo)/(2t) (g'(t) = 1 within 4%).
 // Measured max error (accuracy harness, 1e6 arguments per region: uniform on (-1, 1),
 // log-uniform magnitudes, 1 - |x| log-uniform from 1/2 down to 2^-53): double HA 0.59 ulp,
@@ -48,11 +46,6 @@ using qon::vm::EP;
 using qon::vm::HA;
 using qon::vm::LA;
 
-constexpr std::uint64_t root_half = 0x3FE6A09E667F3BCD;     // sqrt(2)/2
-constexpr std::uint64_t one_bits = 0x3FF0000000000000;
-constexpr std::uint64_t shifter_bits = 0x4330000000000000;  // 2^52
-constexpr std::uint64_t ln2_hi = 0x3FE62E42FEE00000;        // ln 2 high (32 bits): k*L1 exact
-constexpr std::uint64_t ln2_lo = 0x3DEA39EF35793C76;        // ln 2 - L1
 constexpr std::uint64_t sign_bit = 0x8000000000000000;
 constexpr double main_end = 6.25;    // w bound of the main polynomial
 constexpr double main_centre = 3.125;
@@ -74,40 +67,14 @@ void fast_two_sum(V a, V b, V &s, V &e) {
     e = b - (s - a);
 }
 
-// (atanh(s)*2 - 2s)/s^3 in z = s^2: 2/3 + 2z/5 + ... + 2z^(N-1)/(2N + 1).
-template <int N, class V>
-V series(V z) {
-    return estrin<N>(z, [](auto i) {
-        constexpr double c = 2.0 / (2 * i + 3);
-        return splat<V>(c);
-    });
-}
-
-// -ln P for 0 < P <= 1 normal (lanes of V) as the pair w_hi + w_lo, for HA: the atanh series of
-// N terms with the roundings carried. P_lo is the low part of P, |P_lo| <= 2^-53 P.
-template <int N, class V>
-[[gnu::always_inline]] inline void minus_log(V P, V P_lo, V &w_hi, V &w_lo) {
-    const auto ix = bits(P);
-    const auto e = shr<52>(ix + splat_q<V>(one_bits - root_half));  // biased exponent k + 1023
-    const V m = from_bits(ix - shl<52>(e) + splat_q<V>(one_bits));
-    const V k = from_bits(e + splat_q<V>(shifter_bits)) - splat<V>(4503599627370496.0 + 1023.0);
-    const V f = m - splat<V>(1.0);
-    const V s = f / (f + splat<V>(2.0));
-    const V z = s * s;
-    const V R = z * series<N>(z);
-    const V half_f = splat<V>(0.5) * f;
-    const V hfsq = half_f * f;
-    // P_lo/P ~ 2^-k P_lo (1 - f + f^2): a 7% error on a term below 2^-53.
-    V b, e1, c, e2, sum, sum_lo;
-    fast_two_sum(k * constant<V>(ln2_hi), f, b, e1);
-    fast_two_sum(b, splat<V>(0.0) - hfsq, c, e2);
-    const V hfsq_lo = mul_sub(half_f, f, hfsq);
-    const V inverse_scale = from_bits(shl<52>(splat_q<V>(2046) - e));  // 2^-k
-    const V relative_lo = P_lo * inverse_scale * mul_add(f, f - splat<V>(1.0), splat<V>(1.0));
-    const V lo = ((e1 + e2) - hfsq_lo) + mul_add(k, constant<V>(ln2_lo), s * (hfsq + R)) + relative_lo;
-    fast_two_sum(c, lo, sum, sum_lo);
-    w_hi = splat<V>(0.0) - sum;
-    w_lo = splat<V>(0.0) - sum_lo;
+// -ln(P + P_lo) for 0 < P <= 1 normal as the pair w + w_lo, |w_lo| <= ulp(w)/2: the HA
+// logarithm of ln_core.hpp.
+template <class V>
+[[gnu::always_inline]] inline void minus_log(V P, V P_lo, V &w, V &w_lo) {
+    V hi, lo;
+    qon::vm::ln_core::log_pair<true>(P, P_lo, 0.0, hi, lo);
+    w = splat<V>(0.0) - hi;
+    w_lo = splat<V>(0.0) - lo;
 }
 
 // c[0 .. N-3] by Horner, then the last two steps a1 + u q and a0 + u (...) in double-double
@@ -128,8 +95,7 @@ template <class V, std::size_t N>
     low = ae + p2e + splat<V>(lo[1]) + extra;
 }
 
-// Terms of the HA logarithm's atanh series, and the main polynomial of each slot.
-constexpr int ha_log_terms = 10;
+// The main polynomial of each slot.
 template <int A>
 struct Slot;
 template <>
@@ -149,7 +115,7 @@ struct Slot<EP> {
 // HA evaluation here (the pair w + w_lo recomputed unless the slot has it).
 template <int A, class V>
 [[gnu::noinline]] V far_tail(V x, V P, V P_lo, V w, V w_lo) {
-    if constexpr (A != HA) minus_log<ha_log_terms>(P, P_lo, w, w_lo);
+    if constexpr (A != HA) minus_log(P, P_lo, w, w_lo);
     const V t = sqrt(w);
     const V t_lo = (neg_mul_add(t, t, w) + w_lo) * (splat<V>(0.5) / t);
     const Mask<V> second = gt(t, splat<V>(far_split));
@@ -175,7 +141,7 @@ template <int A, class V>
     if constexpr (ha) {
         // u = w - centre + u_err exactly: above the centre (up to 2 centre) the difference is
         // exact and u_err = 0; below it |centre| >= |w| as the fast sum needs.
-        minus_log<ha_log_terms>(P, neg_mul_add(a, a, b - P), w, w_lo);
+        minus_log(P, neg_mul_add(a, a, b - P), w, w_lo);
         V u, u_err, hi, lo;
         fast_two_sum(splat<V>(-main_centre), w, u, u_err);
         const V slope = polynomial(w, poly::main_slope);

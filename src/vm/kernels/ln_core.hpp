@@ -108,6 +108,38 @@ template <class Set, class V>
     return {k, r, j};
 }
 
+// The double HA logarithm of x + x_lo (x a positive normal double, |x_lo| <= 2^-53 x; x_lo is
+// read only `with_low`) as the pair hi + lo, hi = ln x rounded and |lo| <= ulp(hi)/2; k is
+// lowered by `shift`. No table: x = 2^k m, f = m - 1 exact, u = 2f/(2 + f) = f/h, h = 1 + f/2,
+// as the pair u + u_lo: u = f (1/h), and u_lo = (f - u - u f/2)/h, whose numerator is one fused
+// rounding of the exact residual (f - u is exact, Sterbenz: u/f is within [0.8, 1.2]).
+// ln m = u + u_lo + u w R(w), w = u^2. K = k L1 is exact and K + u is split exactly (Fast2Sum:
+// |K| >= ln 2 > |u| unless K = 0); k L2, u_lo, x_lo/x (to 7%: 2^-k x_lo (1 - f + f^2), on a
+// term below 2^-53 of the result), the low part and the tail u w R(w) (under 0.0034) are added
+// to it last, in one more Fast2Sum.
+template <bool with_low, class V>
+[[gnu::always_inline]] inline void log_pair(V x, V x_lo, double shift, V &hi, V &lo) {
+    V k, m;
+    Ints<V> t;
+    split(x, root_half, shift, k, m, t);
+    const V one = splat<V>(1.0);
+    const V f = m - one, hf = splat<V>(0.5) * f;
+    const V inv = one / mul_add(f, splat<V>(0.5), one);
+    const V u = f * inv;
+    const V u_lo = neg_mul_add(u, hf, f - u) * inv;
+    const V w = u * u;
+    V small = mul_add(k, constant<V>(Format<double>::ln2_lo), mul_add(u * w, polynomial<ln_poly::atanh_ha>(w), u_lo));
+    if constexpr (with_low) {
+        const V inverse_scale = from_bits(shl<52>(splat_q<V>(2046) - shr<52>(t)));  // 2^-k
+        small = mul_add(x_lo * inverse_scale, mul_add(f, f - one, one), small);
+    }
+    const V K = k * constant<V>(Format<double>::ln2_hi);
+    const V s = K + u;
+    const V low = ((K - s) + u) + small;
+    hi = s + low;
+    lo = low - (hi - s);
+}
+
 // ln x for positive normal x (lanes of V), k lowered by `shift`. Inlined into the kernels' loops
 // (a call would pass the vectors through memory).
 template <int A, class V>
@@ -125,25 +157,9 @@ template <int A, class V>
         const V w = u * u;
         return mul_add(k, constant<V>(Format<double>::ln2), mul_add(u * w, polynomial<ln_poly::atanh_ep>(w), u));
     } else if constexpr (A == HA && !single) {
-        // No table: the same m and f, u = 2f/(2 + f) = f/h, h = 1 + f/2, as the pair u + u_lo:
-        // u = f (1/h), and u_lo = (f - u - u f/2)/h, whose numerator is one fused rounding of the
-        // exact residual (f - u is exact, Sterbenz: u/f is within [0.8, 1.2]). ln m = u + u_lo +
-        // u w R(w), w = u^2. k L1 + u is split exactly (Fast2Sum with K = k L1 exact, formed in
-        // both fused operations: |K| >= ln 2 > |u| unless K = 0); k L2, u_lo, the low part and
-        // the tail u w R(w) (under 0.0034) are added last.
-        V k, m;
-        Ints<V> t;
-        split(x, root_half, shift, k, m, t);
-        const V one = splat<V>(1.0);
-        const V f = m - one, hf = splat<V>(0.5) * f;
-        const V inv = one / mul_add(f, splat<V>(0.5), one);
-        const V u = f * inv;
-        const V u_lo = neg_mul_add(u, hf, f - u) * inv;
-        const V w = u * u;
-        const V tail = mul_add(u * w, polynomial<ln_poly::atanh_ha>(w), u_lo);
-        const V K = k * constant<V>(Format<double>::ln2_hi);
-        const V hi = K + u;
-        return hi + (((K - hi) + u) + mul_add(k, constant<V>(Format<double>::ln2_lo), tail));
+        V hi, lo;
+        log_pair<false>(x, x, shift, hi, lo);
+        return hi;
     } else if constexpr (A == LA && !single) {
         const auto [k, r, j] = reduce<Set4>(x, shift);
         const V K = mul_add(k, constant<V>(Format<double>::ln2), permute_table<4>(tab::logc4, j));
