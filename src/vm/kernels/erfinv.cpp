@@ -176,7 +176,7 @@ struct Scalar {
 template <int A>
 struct ErfInvDouble {
     using T = double;
-    static constexpr int groups = 4;
+    static constexpr int groups = 2;
     template <class V>
     [[gnu::always_inline]] static V eval(V x) { return erfinv_core<A>(x); }
     template <bool tail, class V>
