@@ -67,6 +67,13 @@ V polynomial(V r) {
     constexpr int n = std::size(c);
     return estrin<n, horner_low>(r, [](auto i) { return splat<V>(static_cast<Elem<V>>(c[n - 1 - i])); });
 }
+// The same by its even and odd parts (two Horner chains in r^2), the shorter chain for the double
+// HA tail, which is under 1% of the result.
+template <const auto &c, class V>
+V even_odd_polynomial(V r) {
+    constexpr int n = std::size(c);
+    return even_odd<n>(r, [](auto i) { return splat<V>(static_cast<Elem<V>>(c[n - 1 - i])); });
+}
 
 // x = 2^k z for a positive normal x with z in [OFF, 2 OFF), OFF given by its bits: k (lowered
 // by shift) in the lanes' floating-point type, z, and t = the bits of x less those of OFF (the
@@ -128,7 +135,7 @@ template <bool with_low, class V>
     const V u = f * inv;
     const V u_lo = neg_mul_add(u, hf, f - u) * inv;
     const V w = u * u;
-    V small = mul_add(k, constant<V>(Format<double>::ln2_lo), mul_add(u * w, polynomial<ln_poly::atanh_ha>(w), u_lo));
+    V small = mul_add(k, constant<V>(Format<double>::ln2_lo), mul_add(u * w, even_odd_polynomial<ln_poly::atanh_ha>(w), u_lo));
     if constexpr (with_low) {
         const V inverse_scale = from_bits(shl<52>(splat_q<V>(2046) - shr<52>(t)));  // 2^-k
         small = mul_add(x_lo * inverse_scale, mul_add(f, f - one, one), small);
