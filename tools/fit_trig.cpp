@@ -7,7 +7,9 @@
 // In z = r^2:
 //   S(z) = (sin r - r)/(r z), so that sin r = r + r z S(z); its error is weighted by
 //        r z / sin r, the relative error it makes in sin r;
-//   C(z) = (cos r - 1 + z/2)/z^2, so that cos r = 1 - z/2 + z^2 C(z), weighted by z^2/cos r.
+//   C(z) = (cos r - 1 + z/2)/z^2, so that cos r = 1 - z/2 + z^2 C(z), weighted by z^2/cos r;
+//   and for the short sine-and-cosine pairs, Q(z) = sin r / r (relative) and
+//   C1(z) = (cos r - 1)/z, so that cos r = 1 + z C1(z), weighted by z/cos r.
 // Intervals: |r| <= pi/2 + 2^-20 (the reduction by pi) and |r| <= pi/4 + 2^-20 (by pi/2).
 // Each polynomial interpolates its function at the Chebyshev nodes of the z interval
 // (tools/chebyshev_fit.hpp) and is rounded once to the element type it is evaluated in; the
@@ -54,6 +56,10 @@ Q cosine_part(Q z) {
     if (z < 0x1p-40Q) return 1 / Q(24) - z / 720;
     return (cosq(sqrtq(z)) - 1 + z / 2) / (z * z);
 }
+Q sine_whole(Q z) { return z < 0x1p-40Q ? 1 - z / 6 : sinq(sqrtq(z)) / sqrtq(z); }
+Q cosine_one(Q z) { return z < 0x1p-40Q ? -0.5Q + z / 24 : (cosq(sqrtq(z)) - 1) / z; }
+Q whole_weight(Q) { return 1; }
+Q cosine_one_weight(Q z) { return z / cosq(sqrtq(z)); }
 Q sine_weight(Q z) { return z == 0 ? 0 : sqrtq(z) * z / sinq(sqrtq(z)); }
 Q cosine_weight(Q z) { return z * z / cosq(sqrtq(z)); }
 
@@ -221,6 +227,10 @@ int main() {
     const Q by_pi_float = pi() / 2 + 0x1p-4Q;
     emit_free<float>("sine_pi_free_3f", by_pi_float, 3, 0x1p-15Q, pi() / 2, by_pi_float);
     const Q by_half_pi_float = pi() / 4 + 0x1p-4Q;
+    emit<double>("sine_quarter_4", sine_whole, whole_weight, by_half_pi, 4);
+    emit<double>("cosine_quarter_4", cosine_one, cosine_one_weight, by_half_pi, 4);
+    emit<float>("sine_quarter_4f", sine_whole, whole_weight, by_half_pi_float, 4);
+    emit<float>("cosine_quarter_4f", cosine_one, cosine_one_weight, by_half_pi_float, 4);
     emit_tangent<double>("tangent_3_3", by_half_pi, 3, 3);
     emit_tangent<float>("tangent_2_2f", by_half_pi_float, 2, 2);
     std::printf("\n}  // namespace qon::vm::trig_poly\n");

@@ -16,10 +16,12 @@
 namespace {
 
 using namespace qon::vm::trig;
+namespace poly = qon::vm::trig_poly;
 
 // sin r and cos r of the paired reduction (double HA): the fitted pairs of trig.hpp.
 struct FittedPairs {
     static constexpr bool paired = true;
+    static constexpr bool keeps_zero_sign = true;
     template <class D>
     static void eval(const Reduced<D> &a, D &s, D &c) {
         Split<D> sp, cp;
@@ -32,11 +34,26 @@ struct FittedPairs {
 template <int sin_terms, int cos_terms>
 struct TaylorPairs {
     static constexpr bool paired = false;
+    static constexpr bool keeps_zero_sign = false;
     template <class D>
     static void eval(const Reduced<D> &a, D &s, D &c) {
         const D z = a.r * a.r;
         s = sin_pair<sin_terms, false>(a, z).value();
         c = cos_pair<cos_terms, false>(a, z).value();
+    }
+};
+
+// sin r = r Q(z) and cos r = 1 + z C(z) of a plain reduction, Q and C fitted on |r| <= pi/4
+// (trig_poly.hpp), by Horner's scheme; r Q(z) keeps the sign of r = -0.
+template <const auto &Q, const auto &C>
+struct QuarterPairs {
+    static constexpr bool paired = false;
+    static constexpr bool keeps_zero_sign = true;
+    template <class D>
+    static void eval(const Reduced<D> &a, D &s, D &c) {
+        const D z = a.r * a.r;
+        s = a.r * fitted_horner<Q>(z);
+        c = mul_add(z, fitted_horner<C>(z), splat<D>(1));
     }
 };
 
@@ -53,7 +70,7 @@ struct SinCos {
         D s, c;
         Pairs::eval(a, s, c);
         sin_cos(a, s, c, sin_x, cos_x);
-        if constexpr (!Pairs::paired) sin_x = select(eq(x, splat<D>(0.0)), x, sin_x);
+        if constexpr (!Pairs::keeps_zero_sign) sin_x = select(eq(x, splat<D>(0.0)), x, sin_x);
     }
     template <class V>
     static void eval(V x, V &sin_x, V &cos_x) {
@@ -80,9 +97,9 @@ struct SinCos {
 
 using SinCosLA = SinCos<double, TaylorPairs<8, 7>>;
 using SinCosHA = SinCos<double, FittedPairs>;
-using SinCosEP = SinCos<double, TaylorPairs<4, 4>, 2>;
-using SinCosSingleHA = SinCos<float, TaylorPairs<4, 4>, 2>;
-using SinCosSingle = SinCos<float, TaylorPairs<4, 4>, 3, false>;
+using SinCosEP = SinCos<double, QuarterPairs<poly::sine_quarter_4, poly::cosine_quarter_4>, 2>;
+using SinCosSingleHA = SinCos<float, QuarterPairs<poly::sine_quarter_4, poly::cosine_quarter_4>, 2>;
+using SinCosSingle = SinCos<float, QuarterPairs<poly::sine_quarter_4f, poly::cosine_quarter_4f>, 3, false>;
 
 }  // namespace
 

@@ -104,6 +104,13 @@ V fitted(V z) {
     return even_odd<n>(z, [](auto i) { return splat<V>(static_cast<Elem<V>>(c[n - 1 - i])); });
 }
 
+// The same by Horner's scheme: the fewest operations, for the short EP forms.
+template <const auto &c, class V>
+V fitted_horner(V z) {
+    constexpr int n = std::size(c);
+    return horner_every<0, 1, n>(z, [](auto i) { return splat<V>(static_cast<Elem<V>>(c[n - 1 - i])); });
+}
+
 template <class V>
 struct Reduced {
     V r, lo;
@@ -155,8 +162,7 @@ V sine_by_pi(V x) {
     if constexpr (form == Form::product) {
         return from_bits(bits(r * mul_add(z, fitted<S>(z), one)) ^ flip);
     } else if constexpr (form == Form::clamped || form == Form::free) {
-        constexpr int k = std::size(S);
-        const V q = horner_every<0, 1, k>(z, [](auto i) { return splat<V>(static_cast<E>(S[k - 1 - i])); });
+        const V q = fitted_horner<S>(z);
         if constexpr (form == Form::free) return from_bits(bits(r * q) ^ flip);
         else return from_bits(bits(max(splat<V>(E(-1)), min(one, r * mul_add(z, q, one)))) ^ flip);
     } else {
@@ -260,12 +266,15 @@ V flip_by(V v, Ints<V> q) {
     return from_bits(bits(v) ^ (shl<sizeof(Elem<V>) * 8 - 2>(q) & splat_q<V>(Constants<Elem<V>>::sign)));
 }
 
-// sin x and cos x from the pairs: quadrant 0: (s, c), 1: (c, -s), 2: (-s, -c), 3: (-c, s).
+// sin x and cos x from the pairs: quadrant 0: (s, c), 1: (c, -s), 2: (-s, -c), 3: (-c, s). The
+// sine's sign is bit 1 of the quadrant, the cosine's that bit XOR bit 0 (bit 1 of q + 1).
 template <class V>
 void sin_cos(const Reduced<V> &a, V s, V c, V &sin_x, V &cos_x) {
-    const Mask<V> odd = quadrant_bit<0, V>(a.q);
-    sin_x = flip_by(select(odd, c, s), a.q);
-    cos_x = flip_by(select(odd, s, c), a.q + splat_q<V>(1));
+    constexpr int top = sizeof(Elem<V>) * 8 - 1;
+    const Ints<V> odd = shl<top>(a.q), half = shl<top - 1>(a.q) & splat_q<V>(Constants<Elem<V>>::sign);
+    const Mask<V> swap = sign_lanes(odd);
+    sin_x = from_bits(bits(select(swap, c, s)) ^ half);
+    cos_x = from_bits(bits(select(swap, s, c)) ^ (half ^ odd));
 }
 
 // sin r and cos r of a paired reduction (double HA), both in every lane, each as hi - m with m

@@ -82,6 +82,38 @@ inline constexpr float sine_pi_free_3f[3] = {
     std::bit_cast<float>(0x3F7FF6EBu),  // 0.999861419
 };
 
+// sine_quarter_4: 4 coefficients on |r| <= 0.78539911707176469: error 2^-28.3 (2^-28.3 rounded to double)
+inline constexpr double sine_quarter_4[4] = {
+    std::bit_cast<double>(0xBF29906C8C56B83Eull),  // -0.00019503903437850968
+    std::bit_cast<double>(0x3F811062E9735314ull),  // 0.0083320357793268754
+    std::bit_cast<double>(0xBFC55553FDE41007ull),  // -0.16666650673880687
+    std::bit_cast<double>(0x3FEFFFFFFE585E49ull),  // 0.99999999691767372
+};
+
+// cosine_quarter_4: 4 coefficients on |r| <= 0.78539911707176469: error 2^-31.8 (2^-31.8 rounded to double)
+inline constexpr double cosine_quarter_4[4] = {
+    std::bit_cast<double>(0x3EF9A6F2ACAACC87ull),  // 2.4463787478179219e-05
+    std::bit_cast<double>(0xBF56C0E087C94283ull),  // -0.0013887589149314268
+    std::bit_cast<double>(0x3FA55554CBB3FF6Eull),  // 0.041666650644400657
+    std::bit_cast<double>(0xBFDFFFFFFFAB1D70ull),  // -0.49999999969119013
+};
+
+// sine_quarter_4f: 4 coefficients on |r| <= 0.84789816339744828: error 2^-27.4 (2^-26.5 rounded to float)
+inline constexpr float sine_quarter_4f[4] = {
+    std::bit_cast<float>(0xB94BEEDFu),  // -0.00019448575
+    std::bit_cast<float>(0x3C088127u),  // 0.00833157357
+    std::bit_cast<float>(0xBE2AAA9Au),  // -0.166666418
+    std::bit_cast<float>(0x3F800000u),  // 1
+};
+
+// cosine_quarter_4f: 4 coefficients on |r| <= 0.84789816339744828: error 2^-30.6 (2^-30.4 rounded to float)
+inline constexpr float cosine_quarter_4f[4] = {
+    std::bit_cast<float>(0x37CCC06Fu),  // 2.44083039e-05
+    std::bit_cast<float>(0xBAB60576u),  // -0.00138871255
+    std::bit_cast<float>(0x3D2AAAA4u),  // 0.0416666418
+    std::bit_cast<float>(0xBF000000u),  // -0.5
+};
+
 // tangent_3_3: tan r = r N(z) / D(z), 3 and 3 coefficients on |r| <= 0.78539911707176469: error 2^-35.4
 // (2^-35.4 evaluated in double before the division)
 inline constexpr double tangent_3_3_num[3] = {
