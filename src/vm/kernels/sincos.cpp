@@ -1,13 +1,17 @@
 // SinCos: sin x (first result) and cos x (second) from one reduction by pi/2 and one pair of
 // polynomials of trig.hpp:
 //   double HA: paired reduction, the fitted pairs of the HA sine (7 and 6 coefficients); LA:
-//   plain reduction, 8 and 7 terms;
-//   EP: two constants, 4 and 4 terms (truncation 2^-28); single HA: the double EP evaluation in
-//   double lanes, rounded once; single LA and EP: 4 and 4 terms in float lanes with three float
-//   constants.
+//   plain reduction, Taylor series of 8 and 7 terms;
+//   EP: two constants, r Q(z) and 1 + z C(z) with Q and C of 4 coefficients fitted on
+//   |r| <= pi/4 (2^-28.3 and 2^-31.8 relative); single HA: the double EP evaluation in double
+//   lanes, rounded once; single LA and EP: the same form in float lanes with three float
+//   constants, fitted on |r| <= pi/4 + 2^-4 (2^-26.5 and 2^-30.4 rounded to float).
+// Measured (3e6 arguments): double HA 0.792 ulp, LA 1.47 ulp, EP 2.8e7 ulp (28.3 correct bits);
+// single HA 0.551 ulp, LA and EP 1.94 ulp.
 // Lanes with |x| > 2^20 (and, paired, within 2^-30 of a multiple of pi/2), infinities and NaN
 // go to the scalar routine: sinl and cosl rounded once; +-inf is a domain error (two NaN).
-// sin(+-0) = +-0: HA subtracts a negated low part that is +0 there, the others select x at zero.
+// sin(+-0) = +-0: HA subtracts a negated low part that is +0 there, r Q(z) keeps the sign of
+// r = x - 0 (the constants of pi/2 are positive), LA selects x at zero.
 #include <cmath>
 
 #include "vm/kernels/trig.hpp"
