@@ -1,5 +1,5 @@
 // Sin: sine, double and single precision, on the reductions and fitted polynomials of trig.hpp.
-//   double HA: by pi/2, paired, the sine and cosine pairs of r in every lane (S 7 and C 6
+//   double HA: by pi/2, paired, the sine and cosine pairs of r in every lane (S 6 and C 6
 //       coefficients), the quadrant's pair rounded once.
 //   double LA: by pi, three constants, 8 coefficients.
 //   double EP: by pi, two constants, r Q(z) with Q of 5 coefficients by Horner's scheme (fit

@@ -1,6 +1,6 @@
 // SinCos: sin x (first result) and cos x (second) from one reduction by pi/2 and one pair of
 // polynomials of trig.hpp:
-//   double HA: paired reduction, the fitted pairs of the HA sine (7 and 6 coefficients); LA:
+//   double HA: paired reduction, the fitted pairs of the HA sine (6 and 6 coefficients); LA:
 //   plain reduction, Taylor series of 8 and 7 terms;
 //   EP: two constants, r Q(z) and 1 + z C(z) with Q and C of 4 coefficients fitted on
 //   |r| <= pi/4 (2^-28.3 and 2^-31.8 relative); single HA: the double EP evaluation in double

@@ -20,8 +20,8 @@
 // lo (1 - z/2)), whose low part is under 0.12 |r| so its rounding errors cost at most 0.3 ulp;
 // cos as w = 1 - z/2 with its rounding error and the term -r lo carried in the low part with
 // z^2 C(z), so that hi + lo rounds once and the tangent can divide the pairs. The double HA
-// sine, cosine and sine-and-cosine use S and C fitted on |r| <= pi/4 (7 and 6 coefficients,
-// errors 2^-57 and 2^-59.5 relative as rounded); the pairs of the tangent use Taylor
+// sine, cosine and sine-and-cosine use S and C fitted on |r| <= pi/4 (6 and 6 coefficients,
+// errors 2^-57.9 and 2^-59.5 relative as rounded); the pairs of the tangent use Taylor
 // coefficients and carry -1/6 exactly.
 //
 // The long HA forms are bound by how long each vector's chain of dependent operations is, which
@@ -283,7 +283,7 @@ void sin_cos(const Reduced<V> &a, V s, V c, V &sin_x, V &cos_x) {
 // w = 1 - r^2/2 rounded once from the exact square (h = r/2 is exact) and e its rounding error,
 // itself one fused multiply-add from 1 - w (exact, Sterbenz). The low parts are formed negated
 // so that at x = -0 the sine is -0 - (+0) = -0 without a select on x. S and C are the fitted
-// polynomials of trig_poly.hpp (7 and 6 coefficients, errors 2^-57 and 2^-59.5 relative as
+// polynomials of trig_poly.hpp (6 and 6 coefficients, errors 2^-57.9 and 2^-59.5 relative as
 // rounded). Both pairs cost fewer multiplications than one polynomial with its coefficients
 // chosen per lane, which takes a blend for every coefficient.
 template <class V>
@@ -297,7 +297,7 @@ void half_pi_pairs(const Reduced<V> &a, Split<V> &s, Split<V> &c) {
     const V z = a.r * a.r, h = half * a.r;
     const V w = neg_mul_add(h, a.r, one);
     const V e = neg_mul_add(h, a.r, one - w);
-    constexpr auto &S = trig_poly::sine_half_pi_7;
+    constexpr auto &S = trig_poly::sine_half_pi_6;
     constexpr auto &C = trig_poly::cosine_half_pi_6;
     const V ps = even_odd<std::size(S)>(z, [](auto i) { return splat<V>(S[std::size(S) - 1 - i]); });
     const V pc = even_odd<std::size(C)>(z, [](auto i) { return splat<V>(C[std::size(C) - 1 - i]); });

@@ -6,15 +6,14 @@
 
 namespace qon::vm::trig_poly {
 
-// sine_half_pi_7: 7 coefficients on |r| <= 0.78539911707176469: error 2^-66.8 (2^-57.1 rounded to double)
-inline constexpr double sine_half_pi_7[7] = {
-    std::bit_cast<double>(0xBD6AB17D37AB5989ull),  // -7.5866969714251544e-13
-    std::bit_cast<double>(0x3DE61217F0A95AD6ull),  // 1.6058531616504608e-10
-    std::bit_cast<double>(0xBE5AE645412C4390ull),  // -2.5052106232431921e-08
-    std::bit_cast<double>(0x3EC71DE3A5460950ull),  // 2.7557319219339121e-06
-    std::bit_cast<double>(0xBF2A01A01A019938ull),  // -0.00019841269841265065
-    std::bit_cast<double>(0x3F81111111111110ull),  // 0.0083333333333333315
-    std::bit_cast<double>(0xBFC5555555555555ull),  // -0.16666666666666666
+// sine_half_pi_6: 6 coefficients on |r| <= 0.78539911707176469, near-minimax and rounded to double: error 2^-57.9
+inline constexpr double sine_half_pi_6[6] = {
+    std::bit_cast<double>(0x3DE5D8B55A1F435Aull),  // 1.5895433325580487e-10
+    std::bit_cast<double>(0xBE5AE5E4B8407FC8ull),  // -2.5050734389739359e-08
+    std::bit_cast<double>(0x3EC71DE35552B70Dull),  // 2.7557313538516271e-06
+    std::bit_cast<double>(0xBF2A01A019BE9218ull),  // -0.00019841269829358531
+    std::bit_cast<double>(0x3F8111111110F730ull),  // 0.0083333333333218407
+    std::bit_cast<double>(0xBFC5555555555548ull),  // -0.1666666666666663
 };
 
 // cosine_half_pi_6: 6 coefficients on |r| <= 0.78539911707176469: error 2^-60.3 (2^-59.5 rounded to double)
