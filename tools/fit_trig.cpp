@@ -6,7 +6,8 @@
 //
 // In z = r^2:
 //   S(z) = (sin r - r)/(r z), so that sin r = r + r z S(z); its error is weighted by
-//        r z / sin r, the relative error it makes in sin r;
+//        r z / sin r, the relative error it makes in sin r; and by pi/2 its part past -1/6,
+//        (S(z) + 1/6)/z, for the pairs that carry -r^3/6 exactly (weighted by r z^2 / sin r);
 //   C(z) = (cos r - 1 + z/2)/z^2, so that cos r = 1 - z/2 + z^2 C(z), weighted by z^2/cos r;
 //   and for the short sine-and-cosine pairs, Q(z) = sin r / r (relative) and
 //   C1(z) = (cos r - 1)/z, so that cos r = 1 + z C1(z), weighted by z/cos r.
@@ -61,6 +62,8 @@ Q sine_whole(Q z) { return z < 0x1p-40Q ? 1 - z / 6 : sinq(sqrtq(z)) / sqrtq(z);
 Q cosine_one(Q z) { return z < 0x1p-40Q ? -0.5Q + z / 24 : (cosq(sqrtq(z)) - 1) / z; }
 Q whole_weight(Q) { return 1; }
 Q cosine_one_weight(Q z) { return z / cosq(sqrtq(z)); }
+Q sine_rest(Q z) { return z < 0x1p-30Q ? 1 / Q(120) - z / 5040 : (sine_part(z) + 1 / Q(6)) / z; }
+Q sine_rest_weight(Q z) { return z == 0 ? 0 : sqrtq(z) * z * z / sinq(sqrtq(z)); }
 Q sine_weight(Q z) { return z == 0 ? 0 : sqrtq(z) * z / sinq(sqrtq(z)); }
 Q cosine_weight(Q z) { return z * z / cosq(sqrtq(z)); }
 
@@ -260,6 +263,7 @@ int main() {
                 "// (highest degree first; see there for the functions, intervals and fitting).\n"
                 "#pragma once\n\n#include <bit>\n\nnamespace qon::vm::trig_poly {\n");
     emit_minimax<double>("sine_half_pi_6", sine_part, sine_weight, by_half_pi, 6);
+    emit_minimax<double>("sine_rest_half_pi_5", sine_rest, sine_rest_weight, by_half_pi, 5);
     emit<double>("cosine_half_pi_6", cosine_part, cosine_weight, by_half_pi, 6);
     emit<double>("sine_pi_8", sine_part, sine_weight, by_pi, 8);
     emit<double>("sine_pi_5", sine_part, sine_weight, by_pi, 5, true);

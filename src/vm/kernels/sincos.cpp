@@ -1,7 +1,7 @@
 // SinCos: sin x (first result) and cos x (second) from one reduction by pi/2 and one pair of
 // polynomials of trig.hpp:
 //   double HA: paired reduction, the fitted pairs of the HA sine (6 and 6 coefficients); LA:
-//   plain reduction, Taylor series of 8 and 7 terms;
+//   plain reduction, the same S and C;
 //   EP: two constants, r Q(z) and 1 + z C(z) with Q and C of 4 coefficients fitted on
 //   |r| <= pi/4 (2^-28.3 and 2^-31.8 relative); single HA: the double EP evaluation in double
 //   lanes, rounded once; single LA and EP: the same form in float lanes with three float
@@ -34,16 +34,15 @@ struct FittedPairs {
         c = cp.value();
     }
 };
-// sin r and cos r of a plain reduction by their Taylor series.
-template <int sin_terms, int cos_terms>
-struct TaylorPairs {
+// sin r and cos r of a plain reduction by the fitted S and C of trig.hpp.
+struct PlainPairs {
     static constexpr bool paired = false;
     static constexpr bool keeps_zero_sign = false;
     template <class D>
     static void eval(const Reduced<D> &a, D &s, D &c) {
         const D z = a.r * a.r;
-        s = sin_pair<sin_terms, false>(a, z).value();
-        c = cos_pair<cos_terms, false>(a, z).value();
+        s = sin_pair<false>(a, z).value();
+        c = cos_pair<false>(a, z).value();
     }
 };
 
@@ -99,7 +98,7 @@ struct SinCos {
     }
 };
 
-using SinCosLA = SinCos<double, TaylorPairs<8, 7>>;
+using SinCosLA = SinCos<double, PlainPairs>;
 using SinCosHA = SinCos<double, FittedPairs>;
 using SinCosEP = SinCos<double, QuarterPairs<poly::sine_quarter_4, poly::cosine_quarter_4>, 2>;
 using SinCosSingleHA = SinCos<float, QuarterPairs<poly::sine_quarter_4, poly::cosine_quarter_4>, 2>;

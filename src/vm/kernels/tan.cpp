@@ -1,7 +1,7 @@
 // Tan: tangent, double and single precision, on the reductions by pi/2 of trig.hpp.
 // Double HA and LA: tan x = s/c in even quadrants and -c/s in odd ones, from the pairs (hi, lo)
-// of sin r and cos r (8 and 7 Taylor terms; HA carries the reduction's low part, LA subtracts
-// three constants); t0 = (n_hi + n_lo)*(1/d) is corrected by the residual of the pairs,
+// of sin r and cos r (the fitted S and C of trig.hpp; HA carries the reduction's low part, LA
+// subtracts three constants); t0 = (n_hi + n_lo)*(1/d) is corrected by the residual of the pairs,
 // t = t0 + ((n_hi - t0*d_hi) + (n_lo - t0*d_lo))/d, the first difference in one fused
 // rounding, so the quotient adds little beyond the final rounding.
 // Double EP and single precision: a plain reduction and tan r = r N(z) / D(z), z = r^2, a
@@ -70,8 +70,8 @@ struct Quotient {
     static int scalar(T x, T &r) { return qon::vm::trig::scalar(x, r, tangent); }
 };
 
-using TanHA = PairsByHalfPi<TanKind, 8, 7, true>;
-using TanLA = PairsByHalfPi<TanKind, 8, 7, false>;
+using TanHA = PairsByHalfPi<TanKind, true>;
+using TanLA = PairsByHalfPi<TanKind, false>;
 using TanEP = Quotient<double, poly::tangent_3_3_num, poly::tangent_3_3_den, 2>;
 using TanSingleHA = Quotient<float, poly::tangent_3_3_num, poly::tangent_3_3_den, 2, true>;
 using TanSingleEP = Quotient<float, poly::tangent_2_2f_num, poly::tangent_2_2f_den, 3>;

@@ -21,8 +21,9 @@
 // cos as w = 1 - z/2 with its rounding error and the term -r lo carried in the low part with
 // z^2 C(z), so that hi + lo rounds once and the tangent can divide the pairs. The double HA
 // sine, cosine and sine-and-cosine use S and C fitted on |r| <= pi/4 (6 and 6 coefficients,
-// errors 2^-57.9 and 2^-59.5 relative as rounded); the pairs of the tangent use Taylor
-// coefficients and carry -1/6 exactly.
+// errors 2^-57.9 and 2^-59.5 relative as rounded); the pairs of the tangent and of the LA
+// sine-and-cosine use the same S and C, the tangent's HA sine pair carrying -1/6 exactly and
+// the rest of S fitted on its own (5 coefficients, 2^-57.3).
 //
 // The long HA forms are bound by how long each vector's chain of dependent operations is, which
 // limits how many vectors are in flight: they are chosen for short chains (no N = 2m formed, the
@@ -83,19 +84,6 @@ constexpr double vector_limit = 1048576.0;
 
 template <class V>
 using C = Constants<Elem<V>>;
-
-constexpr double factorial(int d) { return d <= 1 ? 1.0 : d * factorial(d - 1); }
-
-// Taylor coefficient of degree d of sin (d odd) or cos (d even), the sign of z^(d/2) included.
-template <int d>
-inline constexpr double coefficient = ((d / 2) % 2 == 0 ? 1.0 : -1.0) / factorial(d);
-
-// The polynomial in z over the Taylor coefficients of degrees first, first + 2, ...,
-// first + 2(terms - 1) (the tangent and the sine-and-cosine pairs).
-template <int terms, int first, class V>
-V taylor(V z) {
-    return even_odd<terms>(z, [](auto i) { return splat<V>(static_cast<Elem<V>>(coefficient<first + 2 * i>)); });
-}
 
 // A fitted polynomial of trig_poly.hpp (highest degree first) at z.
 template <const auto &c, class V>
@@ -223,34 +211,35 @@ struct Pair {
 constexpr std::uint64_t minus_sixth_hi = 0xBFC5555555555555;
 constexpr std::uint64_t minus_sixth_lo = 0xBC65555555555555;
 
-template <int terms, bool paired, class V>
+template <bool paired, class V>
 Pair<V> sin_pair(const Reduced<V> &a, V z) {
     const V rz = a.r * z;
     if constexpr (!paired) {
-        return {a.r, rz * taylor<terms, 3>(z)};
+        return {a.r, rz * fitted<trig_poly::sine_half_pi_6>(z)};
     } else {
         const V lo_term = neg_mul_add(a.lo, splat<V>(0.5) * z, a.lo);
         const V rz_err = mul_add(a.r, mul_sub(a.r, a.r, z), mul_sub(a.r, z, rz));
         const V p = rz * constant<V>(minus_sixth_hi);
         const V p_err = mul_sub(rz, constant<V>(minus_sixth_hi), p);
         const V small = mul_add(rz_err, constant<V>(minus_sixth_hi), mul_add(rz, constant<V>(minus_sixth_lo), p_err));
-        const V rest = mul_add(rz * z, taylor<terms - 1, 5>(z), small + lo_term);
+        const V rest = mul_add(rz * z, fitted<trig_poly::sine_rest_half_pi_5>(z), small + lo_term);
         const V hi = a.r + p;
         return {hi, ((a.r - hi) + p) + rest};
     }
 }
 
-template <int terms, bool paired, class V>
+template <bool paired, class V>
 Pair<V> cos_pair(const Reduced<V> &a, V z) {
     const V one = splat<V>(Elem<V>(1));
     if constexpr (!paired) {
-        return {mul_add(z, taylor<terms + 1, 2>(z), one), splat<V>(Elem<V>(0))};
+        const V c = mul_add(z, fitted<trig_poly::cosine_half_pi_6>(z), splat<V>(Elem<V>(-0.5)));
+        return {mul_add(z, c, one), splat<V>(Elem<V>(0))};
     } else {
         const V hz = splat<V>(0.5) * z;
         const V w = one - hz;
         const V z_err = mul_sub(a.r, a.r, z);  // r^2 - z, exact
         const V rounding = neg_mul_add(splat<V>(0.5), z_err, (one - w) - hz);
-        const V tail = mul_add(z * z, taylor<terms, 4>(z), neg_mul_add(a.r, a.lo, rounding));
+        const V tail = mul_add(z * z, fitted<trig_poly::cosine_half_pi_6>(z), neg_mul_add(a.r, a.lo, rounding));
         return {w, tail};
     }
 }
@@ -375,11 +364,11 @@ struct BlendedHA {
     }
 };
 
-// A one-result double function by pi/2 from the pairs of sin r (`sin_terms`) and cos r
-// (`cos_terms`): Kind::combine(x, a, s, c) forms the result; `paired` carries the reduction's
+// A one-result double function by pi/2 from the pairs of sin r and cos r:
+// Kind::combine(x, a, s, c) forms the result; `paired` carries the reduction's
 // low part and the sine's leading term (HA), otherwise the reduction subtracts `parts`
 // constants and the pairs' low parts are the polynomials' tails.
-template <class Kind, int sin_terms, int cos_terms, bool paired, int parts = 3>
+template <class Kind, bool paired, int parts = 3>
 struct PairsByHalfPi {
     using T = double;
     static constexpr int groups = 4;
@@ -388,7 +377,7 @@ struct PairsByHalfPi {
     static V eval(V x) {
         const Reduced<V> a = reduce<paired, parts>(x);
         const V z = a.r * a.r;
-        return Kind::combine(x, a, sin_pair<sin_terms, paired>(a, z), cos_pair<cos_terms, paired>(a, z));
+        return Kind::combine(x, a, sin_pair<paired>(a, z), cos_pair<paired>(a, z));
     }
     template <bool tail, class V>
     static Mask<V> special(V x) {

@@ -16,6 +16,15 @@ inline constexpr double sine_half_pi_6[6] = {
     std::bit_cast<double>(0xBFC5555555555548ull),  // -0.1666666666666663
 };
 
+// sine_rest_half_pi_5: 5 coefficients on |r| <= 0.78539911707176469, near-minimax and rounded to double: error 2^-57.3
+inline constexpr double sine_rest_half_pi_5[5] = {
+    std::bit_cast<double>(0x3DE5DC560BA3CA22ull),  // 1.590574389385125e-10
+    std::bit_cast<double>(0xBE5AE5F285B6C6C5ull),  // -2.505093053628396e-08
+    std::bit_cast<double>(0x3EC71DE369266DE3ull),  // 2.7557314947309965e-06
+    std::bit_cast<double>(0xBF2A01A019D901EEull),  // -0.0001984126983405466
+    std::bit_cast<double>(0x3F81111111110722ull),  // 0.0083333333333289218
+};
+
 // cosine_half_pi_6: 6 coefficients on |r| <= 0.78539911707176469: error 2^-60.3 (2^-59.5 rounded to double)
 inline constexpr double cosine_half_pi_6[6] = {
     std::bit_cast<double>(0xBDA907DA2E9CD397ull),  // -1.1382632212345609e-11
