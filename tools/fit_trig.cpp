@@ -13,13 +13,13 @@
 //   C1(z) = (cos r - 1)/z, so that cos r = 1 + z C1(z), weighted by z/cos r.
 // Intervals: |r| <= pi/2 + 2^-20 (the reduction by pi) and |r| <= pi/4 + 2^-20 (by pi/2).
 // Each polynomial interpolates its function at the Chebyshev nodes of the z interval
-// (tools/chebyshev_fit.hpp) and is rounded once to the element type it is evaluated in (the HA
-// sine's S by pi/2 is instead a near-minimax fit, rounded one coefficient at a time; see
-// minimax_rounded); the printed errors are the largest weighted errors at 4000 points, with
-// the coefficients in quad and rounded. The short sine fits by pi are made to overshoot at the end of the interval: the
-// constant coefficient is raised until r + r z S(z) exceeds sin r there by 8 ulp of the element
-// type, so that the kernels' clamp to [-1, 1] gives sin(+-pi/2) and cos 0 exactly 1 (at most
-// about twice the fit error is added).
+// (tools/chebyshev_fit.hpp) and is rounded once to the element type it is evaluated in (S by
+// pi/2 and its part past -1/6 are instead near-minimax fits, rounded one coefficient at a time;
+// see minimax_rounded); the printed errors are the largest weighted errors at 4000 points, with
+// the coefficients in quad and rounded. The short sine fits by pi are made to overshoot at the
+// end of the interval: the constant coefficient is raised until r + r z S(z) exceeds sin r
+// there by 8 ulp of the element type, so that the kernels' clamp to [-1, 1] gives sin(+-pi/2)
+// and cos 0 exactly 1 (at most about twice the fit error is added).
 //
 // The double EP sine by pi takes sin r = r Q(z) with a free constant coefficient (one
 // multiplication fewer than r + r z S(z) for the same relative error: degree 9 reaches 2^-27.3

@@ -16,8 +16,8 @@
 // HA carries the rounding errors: 1 - x^2 and the logarithm as pairs, u = w - 3.125
 // compensated; the low part of u enters through p'(w) (a quadratic, 2% accurate, on a term below
 // 2^-53 p); the last two Horner steps and the two lowest coefficients in double-double;
-// y = fma(x, p_hi, x p_lo). In
-// the far region t = sqrt(w) is corrected by (w - t^2 + w_lo)/(2t) (g'(t) = 1 within 4%).
+// y = fma(x, p_hi, x p_lo). In the far region t = sqrt(w) is corrected by (w - t^2 + w_lo)/(2t)
+// (g'(t) = 1 within 4%).
 // Measured max error (accuracy harness, 1e6 arguments per region: uniform on (-1, 1),
 // log-uniform magnitudes, 1 - |x| log-uniform from 1/2 down to 2^-53): double HA 0.59 ulp,
 // LA 2.3 ulp (mostly the rounding of u = w - 3.125 near w = 0), EP 6.2e6 ulp (29 correct bits).
