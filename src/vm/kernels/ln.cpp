@@ -14,7 +14,7 @@
 //              (the residual of the division in one fused rounding), ln m = u + u_lo + u w R(w),
 //              w = u^2, R of 7 coefficients (a minimax fit, 2^-59.3 relative to ln m); k L1 + u
 //              split exactly (Fast2Sum), k L2 + u_lo + the low part + the tail (under 1% of the
-//              result) added last: the final rounding dominates. Measured 0.546 ulp.
+//              result) added last: the final rounding dominates. Measured 0.554 ulp.
 //   double LA  N = 4 (|r| <= 0.12, <= 1/12 near 1), K = k ln2 + RN(-ln c_j) in one fused
 //              multiply-add and ln x = r P(r) + K with P(r) = log1p(r)/r of 13 coefficients
 //              (2^-55.4 relative; the roundings of K and of r P + K dominate): measured
