@@ -16,10 +16,10 @@
 // (tools/chebyshev_fit.hpp) and is rounded once to the element type it is evaluated in (S by
 // pi/2 and its part past -1/6 are instead near-minimax fits, rounded one coefficient at a time;
 // see minimax_rounded); the printed errors are the largest weighted errors at 4000 points, with
-// the coefficients in quad and rounded. The short sine fits by pi are made to overshoot at the
-// end of the interval: the constant coefficient is raised until r + r z S(z) exceeds sin r
-// there by 8 ulp of the element type, so that the kernels' clamp to [-1, 1] gives sin(+-pi/2)
-// and cos 0 exactly 1 (at most about twice the fit error is added).
+// the coefficients in quad and rounded. The short sine fits by pi (single HA in double lanes,
+// single EP cosine) are made to overshoot at the end of the interval: the constant coefficient
+// is raised until r + r z S(z) exceeds sin r there by 8 ulp of the element type, so that
+// sin(+-pi/2) and cos 0 come out 1 (at most about twice the fit error is added).
 //
 // The double EP sine by pi takes sin r = r Q(z) with a free constant coefficient (one
 // multiplication fewer than r + r z S(z) for the same relative error: degree 9 reaches 2^-27.3
@@ -33,7 +33,8 @@
 // The single EP sine takes the same form with 3 coefficients, fitted on |r| <= pi/2 + 2^-4
 // (1/pi rounded to a float moves the reduction's m by one near |x| = 2^20, leaving r up to
 // 0.042 past pi/2), the constraint at pi/2 with eta = 2^-15, and every float from 1.25 to the
-// end checked.
+// end checked. The double EP cosine takes the double form with the constraint reversed
+// (eta = -2^-40: r Q(z) overshoots at pi/2) and clamps to [-1, 1], so that cos 0 is exactly 1.
 //
 // The tangent takes tan r = r N(z) / D(z) with D(0) = 1, a near-minimax rational fit in
 // relative error found by Loeb's linearization and Lawson's iteration (see tangent_fit), on
@@ -225,8 +226,10 @@ T sine_free_eval(const std::vector<T> &c, T r) {
     return r * q;
 }
 
-// Emits Q of `count` coefficients on |r| <= r_max, with r Q(z) = (1 - eta) sin r at r = r_c,
-// checked to stay below 1 from r = 1.25 to r_past in T (at every float, or at 200001 doubles).
+// Emits Q of `count` coefficients on |r| <= r_max, with r Q(z) = (1 - eta) sin r at r = r_c.
+// With eta > 0 (the free sine) r Q(z) is checked to stay below 1 from r = 1.25 to r_past in T
+// (at every float, or at 200001 doubles); with eta < 0 (the clamped cosine) to reach at least 1
+// at r = pi/2 rounded to T, so that the clamp gives cos 0 = 1.
 template <class T>
 void emit_free(const char *name, Q r_max, int count, Q eta, Q r_c, Q r_past) {
     const std::vector<Q> c = sine_free_fit(r_max, count, eta, r_c);
@@ -237,21 +240,30 @@ void emit_free(const char *name, Q r_max, int count, Q eta, Q r_c, Q r_past) {
         fit_error = fmaxq(fit_error, fabsq(r * eval_q(c, r * r) / s - 1));
         rounded_error = fmaxq(rounded_error, fabsq(r * eval(rounded, r * r) / s - 1));
     }
-    T top = 0;
-    const T from = 1.25, to = static_cast<T>(r_past);
-    if constexpr (sizeof(T) == 4) {
-        for (T r = from; r <= to; r = std::nextafter(r, to + 1)) top = std::fmax(top, sine_free_eval(rounded, r));
-    } else {
-        for (int i = 0; i <= 200000; ++i) top = std::fmax(top, sine_free_eval(rounded, from + (to - from) * i / 200000));
-    }
-    if (top >= 1) {
-        std::fprintf(stderr, "%s reaches %.17g\n", name, double(top));
-        std::exit(1);
-    }
-    std::printf("\n// %s: %d coefficients of r Q(z) on |r| <= %.17g: error 2^%.1f (2^%.1f rounded to %s),\n"
-                "// below 1 by 2^%.1f at least on 1.25 <= r <= %.17g\n",
+    std::printf("\n// %s: %d coefficients of r Q(z) on |r| <= %.17g: error 2^%.1f (2^%.1f rounded to %s),\n",
                 name, count, double(r_max), double(log2q(fit_error)), double(log2q(rounded_error)),
-                sizeof(T) == 4 ? "float" : "double", double(log2q(1 - Q(top))), double(r_past));
+                sizeof(T) == 4 ? "float" : "double");
+    if (eta < 0) {
+        const T at = sine_free_eval(rounded, static_cast<T>(pi() / 2));
+        if (at < 1) {
+            std::fprintf(stderr, "%s is %.17g at pi/2\n", name, double(at));
+            std::exit(1);
+        }
+        std::printf("// at least 1 at r = pi/2 rounded (1 + 2^%.1f)\n", double(log2q(Q(at) - 1)));
+    } else {
+        T top = 0;
+        const T from = 1.25, to = static_cast<T>(r_past);
+        if constexpr (sizeof(T) == 4) {
+            for (T r = from; r <= to; r = std::nextafter(r, to + 1)) top = std::fmax(top, sine_free_eval(rounded, r));
+        } else {
+            for (int i = 0; i <= 200000; ++i) top = std::fmax(top, sine_free_eval(rounded, from + (to - from) * i / 200000));
+        }
+        if (top >= 1) {
+            std::fprintf(stderr, "%s reaches %.17g\n", name, double(top));
+            std::exit(1);
+        }
+        std::printf("// below 1 by 2^%.1f at least on 1.25 <= r <= %.17g\n", double(log2q(1 - Q(top))), double(r_past));
+    }
     print_array(name, rounded);
 }
 
@@ -270,6 +282,7 @@ int main() {
     emit<float>("sine_pi_5f", sine_part, sine_weight, by_pi, 5);
     emit<float>("sine_pi_3f", sine_part, sine_weight, by_pi, 3, true);
     emit_free<double>("sine_pi_free_5", by_pi, 5, 0x1p-40Q, by_pi, by_pi);
+    emit_free<double>("cosine_pi_free_5", by_pi, 5, -0x1p-40Q, by_pi, by_pi);
     const Q by_pi_float = pi() / 2 + 0x1p-4Q;
     emit_free<float>("sine_pi_free_3f", by_pi_float, 3, 0x1p-15Q, pi() / 2, by_pi_float);
     const Q by_half_pi_float = pi() / 4 + 0x1p-4Q;

@@ -113,13 +113,16 @@ struct Reduced {
 //   product  r (1 + z S(z)), for single precision in double lanes: the extra rounding is not
 //            seen in the float result, the sign of a zero r is kept, and 1 + 2^-30 rounds to
 //            the float 1;
-//   clamped  the product with S by Horner's scheme, clamped to [-1, 1] (EP; the short fits
-//            overshoot at the end, so sin(+-pi/2) and cos 0 are 1);
 //   free     r S(z) with S fitted to sin r / r, its constant coefficient free (EP sine):
 //            by Horner's scheme, the fewest operations; the fit undershoots at the end of the
 //            interval, so no clamp is needed (sin(RN(pi/2)) is 1 - 2^-39 in double, about
-//            1 - 2^-15 in float).
-enum class Form { fused, product, clamped, free };
+//            1 - 2^-15 in float);
+//   free_clamped  r S(z) as `free`, but the fit overshoots at the end (by 2^-40) and the result
+//            is clamped to [-1, 1] (double EP cosine: cos 0 is exactly 1);
+//   clamped  r (1 + z S(z)) by Horner's scheme, clamped to [-1, 1] (single EP cosine: the
+//            3-coefficient free form is too coarse there; the short fit overshoots at the end,
+//            so cos 0 is 1).
+enum class Form { fused, product, free, free_clamped, clamped };
 
 // sin x (cosine false) or cos x (cosine true) for |x| <= 2^20, with `parts` constants of pi/2
 // and the fitted S of trig_poly.hpp.
@@ -149,10 +152,11 @@ V sine_by_pi(V x) {
     const V one = splat<V>(E(1));
     if constexpr (form == Form::product) {
         return from_bits(bits(r * mul_add(z, fitted<S>(z), one)) ^ flip);
-    } else if constexpr (form == Form::clamped || form == Form::free) {
+    } else if constexpr (form == Form::free || form == Form::free_clamped || form == Form::clamped) {
         const V q = fitted_horner<S>(z);
-        if constexpr (form == Form::free) return from_bits(bits(r * q) ^ flip);
-        else return from_bits(bits(max(splat<V>(E(-1)), min(one, r * mul_add(z, q, one)))) ^ flip);
+        const V v = form == Form::clamped ? r * mul_add(z, q, one) : r * q;
+        if constexpr (form == Form::free) return from_bits(bits(v) ^ flip);
+        else return from_bits(bits(max(splat<V>(E(-1)), min(one, v))) ^ flip);
     } else {
         const V s = max(min(mul_add(r * z, fitted<S>(z), r), one), splat<V>(E(-1)));
         const V v = from_bits(bits(s) ^ flip);
@@ -390,14 +394,14 @@ struct PairsByHalfPi {
 };
 
 // Polynomials by pi (|r| <= pi/2; fit errors relative to sin r in trig_poly.hpp): double LA 8
-// coefficients (2^-54.6 as rounded); EP two constants, the sine r Q(z) with Q of 5 (2^-27.3),
-// the cosine 5 clamped (2^-32.3, so that cos 0 is 1); single HA in double lanes 5 with two
-// double constants, LA 5 (2^-25.7 rounded to float) and EP 3 in float: the cosine clamped
-// (2^-17.0), the sine r Q(z) (2^-12.8, below 1 by 2^-15 up to r = pi/2 + 2^-4).
+// coefficients (2^-54.6 as rounded); EP two constants, r Q(z) with Q of 5 (2^-27.3), the
+// sine's below 1, the cosine's clamped; single HA in double lanes 5 with two double constants,
+// LA 5 (2^-25.7 rounded to float) and EP 3 in float: the sine r Q(z) fitted up to
+// r = pi/2 + 2^-4, below 1 by 2^-15 (2^-12.8), the cosine r (1 + z S(z)) clamped (2^-17.0).
 template <class Kind>
 using ByPiLA = ByPi<Kind, double, trig_poly::sine_pi_8, 3>;
 template <class Kind>
-using ByPiEP = std::conditional_t<Kind::cosine, ByPi<Kind, double, trig_poly::sine_pi_5, 2, Form::clamped>,
+using ByPiEP = std::conditional_t<Kind::cosine, ByPi<Kind, double, trig_poly::cosine_pi_free_5, 2, Form::free_clamped>,
                                   ByPi<Kind, double, trig_poly::sine_pi_free_5, 2, Form::free>>;
 template <class Kind>
 using ByPiSingleHA = ByPi<Kind, float, trig_poly::sine_pi_5, 2, Form::product, true>;

@@ -82,6 +82,16 @@ inline constexpr double sine_pi_free_5[5] = {
     std::bit_cast<double>(0x3FEFFFFFFCCA95A6ull),  // 0.99999999402341611
 };
 
+// cosine_pi_free_5: 5 coefficients of r Q(z) on |r| <= 1.570797280469213: error 2^-27.3 (2^-27.3 rounded to double),
+// at least 1 at r = pi/2 rounded (1 + 2^-40.5)
+inline constexpr double cosine_pi_free_5[5] = {
+    std::bit_cast<double>(0x3EC5CC022975FA80ull),  // 2.5983939157530754e-06
+    std::bit_cast<double>(0xBF29F5BC71E28577ull),  // -0.00019805837013557221
+    std::bit_cast<double>(0x3F8110E4BDF04066ull),  // 0.0083330030884384947
+    std::bit_cast<double>(0xBFC555546A13FEE0ull),  // -0.16666655711741551
+    std::bit_cast<double>(0x3FEFFFFFFCCA9F41ull),  // 0.99999999402368911
+};
+
 // sine_pi_free_3f: 3 coefficients of r Q(z) on |r| <= 1.6332963267948966: error 2^-12.8 (2^-12.8 rounded to float),
 // below 1 by 2^-15.1 at least on 1.25 <= r <= 1.6332963267948966
 inline constexpr float sine_pi_free_3f[3] = {
