@@ -64,15 +64,13 @@ struct Set4 {
 // need to.
 template <const auto &c, int horner_low = 2, class V>
 V polynomial(V r) {
-    constexpr int n = std::size(c);
-    return estrin<n, horner_low>(r, [](auto i) { return splat<V>(static_cast<Elem<V>>(c[n - 1 - i])); });
+    return estrin<std::size(c), horner_low>(r, highest_first<c, V>);
 }
 // The same by its even and odd parts (two Horner chains in r^2), the shorter chain for the double
 // HA tail, which is under 1% of the result.
 template <const auto &c, class V>
 V even_odd_polynomial(V r) {
-    constexpr int n = std::size(c);
-    return even_odd<n>(r, [](auto i) { return splat<V>(static_cast<Elem<V>>(c[n - 1 - i])); });
+    return even_odd<std::size(c)>(r, highest_first<c, V>);
 }
 
 // x = 2^k z for a positive normal x with z in [OFF, 2 OFF), OFF given by its bits: k (lowered

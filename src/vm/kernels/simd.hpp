@@ -37,6 +37,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 #include <type_traits>
 #include <utility>
 
@@ -192,6 +193,13 @@ inline V horner(V s, V a, V b, R... rest) {
     if constexpr (sizeof...(rest) == 0) return mul_add(a, s, b);
     else return horner(s, mul_add(a, s, b), rest...);
 }
+
+// The coefficients of a generated table c (highest degree first) as the schemes below take them:
+// the coefficient of degree i, in the element type of V.
+template <const auto &c, class V>
+inline constexpr auto highest_first = [](auto i) {
+    return splat<V>(static_cast<Elem<V>>(c[std::size(c) - 1 - i]));
+};
 
 // Horner's scheme over every step-th coefficient from first on: sum over i < count of
 // coef(first + i step) w^i (coef called with std::integral_constant<int, index>, returning a V).

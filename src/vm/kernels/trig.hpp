@@ -88,15 +88,13 @@ using C = Constants<Elem<V>>;
 // A fitted polynomial of trig_poly.hpp (highest degree first) at z.
 template <const auto &c, class V>
 V fitted(V z) {
-    constexpr int n = std::size(c);
-    return even_odd<n>(z, [](auto i) { return splat<V>(static_cast<Elem<V>>(c[n - 1 - i])); });
+    return even_odd<std::size(c)>(z, highest_first<c, V>);
 }
 
 // The same by Horner's scheme: the fewest operations, for the short EP forms.
 template <const auto &c, class V>
 V fitted_horner(V z) {
-    constexpr int n = std::size(c);
-    return horner_every<0, 1, n>(z, [](auto i) { return splat<V>(static_cast<Elem<V>>(c[n - 1 - i])); });
+    return horner_every<0, 1, std::size(c)>(z, highest_first<c, V>);
 }
 
 template <class V>
@@ -290,10 +288,7 @@ void half_pi_pairs(const Reduced<V> &a, Split<V> &s, Split<V> &c) {
     const V z = a.r * a.r, h = half * a.r;
     const V w = neg_mul_add(h, a.r, one);
     const V e = neg_mul_add(h, a.r, one - w);
-    constexpr auto &S = trig_poly::sine_half_pi_6;
-    constexpr auto &C = trig_poly::cosine_half_pi_6;
-    const V ps = even_odd<std::size(S)>(z, [](auto i) { return splat<V>(S[std::size(S) - 1 - i]); });
-    const V pc = even_odd<std::size(C)>(z, [](auto i) { return splat<V>(C[std::size(C) - 1 - i]); });
+    const V ps = fitted<trig_poly::sine_half_pi_6>(z), pc = fitted<trig_poly::cosine_half_pi_6>(z);
     s = {a.r, mul_sub(z, neg_mul_add(a.r, ps, half * a.lo), a.lo)};
     c = {w, neg_mul_add(z * z, pc, mul_sub(a.r, a.lo, e))};
 }
