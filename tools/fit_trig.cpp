@@ -16,8 +16,8 @@
 // (tools/chebyshev_fit.hpp) and is rounded once to the element type it is evaluated in (S by
 // pi/2 and its part past -1/6 are instead near-minimax fits, rounded one coefficient at a time;
 // see minimax_rounded); the printed errors are the largest weighted errors at 4000 points, with
-// the coefficients in quad and rounded. The short sine fits by pi (single HA in double lanes,
-// single EP cosine) are made to overshoot at the end of the interval: the constant coefficient
+// the coefficients in quad and rounded. The short sine fit by pi of the single HA sine and
+// cosine (in double lanes) is made to overshoot at the end of the interval: the constant coefficient
 // is raised until r + r z S(z) exceeds sin r there by 8 ulp of the element type, so that
 // sin(+-pi/2) and cos 0 come out 1 (at most about twice the fit error is added).
 //
@@ -33,8 +33,11 @@
 // The single EP sine takes the same form with 3 coefficients, fitted on |r| <= pi/2 + 2^-4
 // (1/pi rounded to a float moves the reduction's m by one near |x| = 2^20, leaving r up to
 // 0.042 past pi/2), the constraint at pi/2 with eta = 2^-15, and every float from 1.25 to the
-// end checked. The double EP cosine takes the double form with the constraint reversed
-// (eta = -2^-40: r Q(z) overshoots at pi/2) and clamps to [-1, 1], so that cos 0 is exactly 1.
+// end checked. The EP cosines take the same forms with the constraint reversed (eta < 0: r Q(z)
+// overshoots at pi/2) and clamp to [-1, 1], so that cos 0 is exactly 1: in double eta = -2^-40;
+// in float eta = -2^-20 on |r| <= pi/2 + 0.1, since the single cosine's m is floor(x/pi) + 1/2
+// from the product x/pi rounded to a float, which near |x| = 2^20 leaves r up to 0.092 past pi/2
+// (measured over every float of [2^19, 2^20]).
 //
 // The tangent takes tan r = r N(z) / D(z) with D(0) = 1, a near-minimax rational fit in
 // relative error found by Loeb's linearization and Lawson's iteration (see tangent_fit), on
@@ -280,11 +283,12 @@ int main() {
     emit<double>("sine_pi_8", sine_part, sine_weight, by_pi, 8);
     emit<double>("sine_pi_5", sine_part, sine_weight, by_pi, 5, true);
     emit<float>("sine_pi_5f", sine_part, sine_weight, by_pi, 5);
-    emit<float>("sine_pi_3f", sine_part, sine_weight, by_pi, 3, true);
     emit_free<double>("sine_pi_free_5", by_pi, 5, 0x1p-40Q, by_pi, by_pi);
     emit_free<double>("cosine_pi_free_5", by_pi, 5, -0x1p-40Q, by_pi, by_pi);
     const Q by_pi_float = pi() / 2 + 0x1p-4Q;
     emit_free<float>("sine_pi_free_3f", by_pi_float, 3, 0x1p-15Q, pi() / 2, by_pi_float);
+    const Q by_pi_floor_float = pi() / 2 + 0.1Q;
+    emit_free<float>("cosine_pi_free_3f", by_pi_floor_float, 3, -0x1p-20Q, pi() / 2, by_pi_floor_float);
     const Q by_half_pi_float = pi() / 4 + 0x1p-4Q;
     emit<double>("sine_quarter_4", sine_whole, whole_weight, by_half_pi, 4);
     emit<double>("cosine_quarter_4", cosine_one, cosine_one_weight, by_half_pi, 4);

@@ -115,12 +115,9 @@ struct Reduced {
 //            by Horner's scheme, the fewest operations; the fit undershoots at the end of the
 //            interval, so no clamp is needed (sin(RN(pi/2)) is 1 - 2^-39 in double, about
 //            1 - 2^-15 in float);
-//   free_clamped  r S(z) as `free`, but the fit overshoots at the end (by 2^-40) and the result
-//            is clamped to [-1, 1] (double EP cosine: cos 0 is exactly 1);
-//   clamped  r (1 + z S(z)) by Horner's scheme, clamped to [-1, 1] (single EP cosine: the
-//            3-coefficient free form is too coarse there; the short fit overshoots at the end,
-//            so cos 0 is 1).
-enum class Form { fused, product, free, free_clamped, clamped };
+//   free_clamped  r S(z) as `free`, but the fit overshoots 1 at the end (double by 2^-40, float
+//            by 2^-20) and the result is clamped to [-1, 1] (EP cosines: cos 0 is exactly 1).
+enum class Form { fused, product, free, free_clamped };
 
 // sin x (cosine false) or cos x (cosine true) for |x| <= 2^20, with `parts` constants of pi/2
 // and the fitted S of trig_poly.hpp.
@@ -150,11 +147,10 @@ V sine_by_pi(V x) {
     const V one = splat<V>(E(1));
     if constexpr (form == Form::product) {
         return from_bits(bits(r * mul_add(z, fitted<S>(z), one)) ^ flip);
-    } else if constexpr (form == Form::free || form == Form::free_clamped || form == Form::clamped) {
-        const V q = fitted_horner<S>(z);
-        const V v = form == Form::clamped ? r * mul_add(z, q, one) : r * q;
-        if constexpr (form == Form::free) return from_bits(bits(v) ^ flip);
-        else return from_bits(bits(max(splat<V>(E(-1)), min(one, v))) ^ flip);
+    } else if constexpr (form == Form::free_clamped) {
+        return from_bits(bits(max(splat<V>(E(-1)), min(one, r * fitted_horner<S>(z)))) ^ flip);
+    } else if constexpr (form == Form::free) {
+        return from_bits(bits(r * fitted_horner<S>(z)) ^ flip);
     } else {
         const V s = max(min(mul_add(r * z, fitted<S>(z), r), one), splat<V>(E(-1)));
         const V v = from_bits(bits(s) ^ flip);
@@ -392,7 +388,8 @@ struct PairsByHalfPi {
 // coefficients (2^-54.6 as rounded); EP two constants, r Q(z) with Q of 5 (2^-27.3), the
 // sine's below 1, the cosine's clamped; single HA in double lanes 5 with two double constants,
 // LA 5 (2^-25.7 rounded to float) and EP 3 in float: the sine r Q(z) fitted up to
-// r = pi/2 + 2^-4, below 1 by 2^-15 (2^-12.8), the cosine r (1 + z S(z)) clamped (2^-17.0).
+// r = pi/2 + 2^-4, below 1 by 2^-15 (2^-12.8), the cosine the same form up to pi/2 + 0.1, where
+// its floor(x/pi) from a rounded product can reach, overshooting at pi/2 and clamped (2^-12.2).
 template <class Kind>
 using ByPiLA = ByPi<Kind, double, trig_poly::sine_pi_8, 3>;
 template <class Kind>
@@ -403,7 +400,7 @@ using ByPiSingleHA = ByPi<Kind, float, trig_poly::sine_pi_5, 2, Form::product, t
 template <class Kind>
 using ByPiSingleLA = ByPi<Kind, float, trig_poly::sine_pi_5f, 3>;
 template <class Kind>
-using ByPiSingleEP = std::conditional_t<Kind::cosine, ByPi<Kind, float, trig_poly::sine_pi_3f, 3, Form::clamped>,
+using ByPiSingleEP = std::conditional_t<Kind::cosine, ByPi<Kind, float, trig_poly::cosine_pi_free_3f, 3, Form::free_clamped>,
                                         ByPi<Kind, float, trig_poly::sine_pi_free_3f, 3, Form::free>>;
 
 }  // namespace qon::vm::trig

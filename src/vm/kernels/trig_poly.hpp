@@ -65,13 +65,6 @@ inline constexpr float sine_pi_5f[5] = {
     std::bit_cast<float>(0xBE2AAAABu),  // -0.166666672
 };
 
-// sine_pi_3f: 3 coefficients on |r| <= 1.570797280469213: error 2^-17.7 (2^-17.0 rounded to float, overshooting at the end)
-inline constexpr float sine_pi_3f[3] = {
-    std::bit_cast<float>(0xB9459F26u),  // -0.000188466714
-    std::bit_cast<float>(0x3C086236u),  // 0.00832419656
-    std::bit_cast<float>(0xBE2AA9F4u),  // -0.166663945
-};
-
 // sine_pi_free_5: 5 coefficients of r Q(z) on |r| <= 1.570797280469213: error 2^-27.3 (2^-27.3 rounded to double),
 // below 1 by 2^-39.4 at least on 1.25 <= r <= 1.570797280469213
 inline constexpr double sine_pi_free_5[5] = {
@@ -98,6 +91,14 @@ inline constexpr float sine_pi_free_3f[3] = {
     std::bit_cast<float>(0x3BF73159u),  // 0.0075437245
     std::bit_cast<float>(0xBE29D152u),  // -0.165837556
     std::bit_cast<float>(0x3F7FF6EBu),  // 0.999861419
+};
+
+// cosine_pi_free_3f: 3 coefficients of r Q(z) on |r| <= 1.6707963267948966: error 2^-12.2 (2^-12.2 rounded to float),
+// at least 1 at r = pi/2 rounded (1 + 2^-19.8)
+inline constexpr float cosine_pi_free_3f[3] = {
+    std::bit_cast<float>(0x3BF45D20u),  // 0.00745739043
+    std::bit_cast<float>(0xBE298EB4u),  // -0.165583432
+    std::bit_cast<float>(0x3F7FF196u),  // 0.999780059
 };
 
 // sine_quarter_4: 4 coefficients on |r| <= 0.78539911707176469: error 2^-28.3 (2^-28.3 rounded to double)
