@@ -19,8 +19,8 @@
 //              masks, store; an iteration with a flagged lane is redone vector by vector with
 //              the flagged lanes, in order, passed to the scalar routine after the vector
 //              results are stored (the scalar result overwrites the vector one);
-//   tail       the remaining elements in groups of at most one vector, with masked loads and
-//              stores (lanes past the end read as 0 and are never flagged);
+//   tail       the remaining whole vectors one by one, then the last part of a vector with
+//              masked loads and stores (lanes past the end read as 0 and are never flagged);
 //   reports    an element whose scalar routine returns a non-zero status is reported through
 //              the error path after its result is stored; the call-back may replace it.
 // The lane test receives `tail` so a method may use a different threshold in the tail. It must
@@ -144,7 +144,8 @@ struct VectorKernel {
             for (int g = 0; g < G; ++g) vector_with_redo<false>(i + g * L, L, a, out, redo);
             i += G * L;
         }
-        for (; i < n; i += L) vector_with_redo<true>(i, std::min(L, n - i), a, out, redo);
+        for (; i <= n - L; i += L) vector_with_redo<false>(i, L, a, out, redo);
+        if (i < n) vector_with_redo<true>(i, n - i, a, out, redo);
     }
 
     // A flagged element is reported with the argument it was computed from: an in-place call has
