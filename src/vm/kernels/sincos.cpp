@@ -62,7 +62,7 @@ struct QuarterPairs {
 
 // `wide`: single precision in double lanes, rounded once (otherwise in float lanes).
 template <class E, class Pairs, int parts = 3, bool wide = true>
-struct SinCos {
+struct SinCos : MainLoopTest<Pairs::paired> {
     using T = E;
     static constexpr int results = 2;
     static constexpr int groups = 4;

@@ -196,6 +196,23 @@ Mask<V> near_multiple(V x) {
                     int_gt(bits(splat<V>(E(0x1p-30))), bits(abs(r1))));
 }
 
+// The main-loop test of the paired reduction (vector_driver.hpp): the group's largest |x| at
+// most 2^20 and its smallest |r1| at least 2^-30 (a group with a smaller one, near a multiple of
+// pi/2 or with |x| < 2^-30, is redone vector by vector with near_multiple). The plain reductions
+// keep the lane test, which measured faster for them.
+struct PairedScreen {
+    static constexpr double limit = vector_limit, margin = 0x1p-30;
+    template <class V>
+    static V screen(V x) {
+        V y, n, r1;
+        first_step(x, y, n, r1);
+        return abs(r1);
+    }
+};
+struct LaneTest {};
+template <bool paired>
+using MainLoopTest = std::conditional_t<paired, PairedScreen, LaneTest>;
+
 template <class V>
 struct Pair {
     V hi, lo;
@@ -346,7 +363,7 @@ struct ByPi {
 
 // Double HA sine or cosine (Kind::cosine) by pi/2 with one polynomial per lane.
 template <class Kind>
-struct BlendedHA {
+struct BlendedHA : PairedScreen {
     using T = double;
     static constexpr int groups = 4;
 
@@ -364,7 +381,7 @@ struct BlendedHA {
 // low part and the sine's leading term (HA), otherwise the reduction subtracts `parts`
 // constants and the pairs' low parts are the polynomials' tails.
 template <class Kind, bool paired, int parts = 3>
-struct PairsByHalfPi {
+struct PairsByHalfPi : MainLoopTest<paired> {
     using T = double;
     static constexpr int groups = 4;
 

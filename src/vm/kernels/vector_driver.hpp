@@ -91,24 +91,30 @@ struct VectorKernel {
     // A method whose rare lanes are those with |x| above Method::limit (NaN gives NaN, unreported,
     // in the vector method as in the scalar routine) is tested once per group on the largest
     // |x|, two operations per vector instead of three. max(|x|, top) returns top where x is NaN,
-    // so a NaN never hides a large argument of an earlier vector.
+    // so a NaN never hides a large argument of an earlier vector. Such a method may also screen
+    // its lanes with Method::screen(x) (an intermediate of its method, so two operations more),
+    // whose smallest value in the group must be at least Method::margin, else the group is redone
+    // vector by vector with the exact lane test (the screen may flag lanes the test passes).
     [[gnu::noinline, gnu::flatten]] static int clean_groups(int i, int n, const T *a, Out out) {
         constexpr bool bounded = requires { Method::limit; };
+        constexpr bool screened = requires(V v) { Method::screen(v); };
         for (; i <= n - G * L; i += G * L) {
             V y[G][results];
             simd::Mask<V> flagged;
-            V top = simd::splat<V>(T(0));
+            V top = simd::splat<V>(T(0)), low = simd::splat<V>(T(1));
             for (int g = 0; g < G; ++g) {
                 const V x = simd::load<V>(a + i + g * L);
                 eval(x, y[g]);
                 if constexpr (bounded) {
                     top = simd::max(simd::abs(x), top);
+                    if constexpr (screened) low = simd::min(Method::screen(x), low);
                 } else {
                     const simd::Mask<V> f = Method::template special<false>(x);
                     flagged = g == 0 ? f : simd::mask_or(flagged, f);
                 }
             }
             if constexpr (bounded) flagged = simd::gt(top, simd::splat<V>(T(Method::limit)));
+            if constexpr (screened) flagged = simd::mask_or(flagged, simd::lt(low, simd::splat<V>(T(Method::margin))));
             if (simd::any(flagged)) [[unlikely]]
                 return i;
             for (int g = 0; g < G; ++g)
