@@ -231,7 +231,7 @@ T sine_free_eval(const std::vector<T> &c, T r) {
 
 // Emits Q of `count` coefficients on |r| <= r_max, with r Q(z) = (1 - eta) sin r at r = r_c.
 // With eta > 0 (the free sine) r Q(z) is checked to stay below 1 from r = 1.25 to r_past in T
-// (at every float, or at 200001 doubles); with eta < 0 (the clamped cosine) to reach at least 1
+// (at every float, or at 200001 doubles); with eta < 0 (the clamped cosines) to reach at least 1
 // at r = pi/2 rounded to T, so that the clamp gives cos 0 = 1.
 template <class T>
 void emit_free(const char *name, Q r_max, int count, Q eta, Q r_c, Q r_past) {
