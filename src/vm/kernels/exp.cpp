@@ -169,6 +169,7 @@ struct Step128 : CommonRange {
 // n to the exponent field of e^s, exact while the result is normal: in the common range n is at
 // most 1022, and where it is -1022, x > -708.396 puts s above 0 and e^s at or above 1.
 struct ExpEP : CommonRange {
+    static constexpr int groups = 4;  // LA measured slower at four, EP 4-18% faster
     static constexpr std::uint64_t inv_ln2 = 0x3FF71547652B82FE;  // 1/ln2 = 1.4426950408889634
     static constexpr std::uint64_t ln2 = 0x3FE62E42FEFA39EF;      // 0.69314718055994529
     // e^s ~ 1 + s (c1 + s (c2 + ... + s c6)) on |s| <= ln2/2 (+0.1%): relative error 2^-28.9,
@@ -275,6 +276,7 @@ struct ExpFloat {
 };
 
 struct ExpFloatEP : ExpFloat {
+    static constexpr int groups = 4;  // LA measured slower at four, EP 4-18% faster
     static constexpr std::uint32_t c3 = 0x3E2B6FE2;  // 0.167418987
     static constexpr std::uint32_t c4 = 0x3D2B2E13;  // 0.0417919867
 

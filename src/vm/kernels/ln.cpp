@@ -80,7 +80,7 @@ Mask<V> outside_normal(V x) {
 template <int A>
 struct LnDouble {
     using T = double;
-    static constexpr int groups = 2;
+    static constexpr int groups = A == LA ? 2 : 4;  // LA measured 6% slower at four
 
     template <class V>
     static V eval(V x) { return log_core<A>(x); }
