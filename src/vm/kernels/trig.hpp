@@ -365,7 +365,7 @@ struct ByPi {
 template <class Kind>
 struct BlendedHA : PairedScreen {
     using T = double;
-    static constexpr int groups = 4;
+    static constexpr int groups = 2;  // measured 4-5% faster than four
 
     template <class V>
     static V eval(V x) { return sine_by_half_pi<Kind::cosine>(x); }
