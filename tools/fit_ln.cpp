@@ -13,10 +13,13 @@
 // The double HA and EP methods have no table: x = 2^k m, m in [sqrt(2)/2, sqrt(2)), f = m - 1,
 // u = 2f/(2 + f), and ln m = 2 atanh(u/2) = u + u w R(w), w = u^2 (|u| <= 0.3431):
 //   R(w) = (2 atanh(u/2) - u)/(u w), its error printed relative to ln m.
-// Each polynomial but R interpolates its function at the Chebyshev nodes of the interval
-// (tools/chebyshev_fit.hpp; R is a minimax fit, see atanh_fit) and is rounded once to the
-// element type it is evaluated in; errors are the largest at 4000 points, with the coefficients
-// in quad and rounded.
+// The single EP method has no table and no division: ln m = f Q(f) on f in [sqrt(2)/2 - 1,
+// sqrt(2) - 1] (the float sqrt(2)/2 rounded down):
+//   Q(f) = log1p(f)/f, relative.
+// Each polynomial but R and Q interpolates its function at the Chebyshev nodes of the interval
+// (tools/chebyshev_fit.hpp; R and Q are minimax fits, see atanh_fit and mantissa_fit) and is
+// rounded once to the element type it is evaluated in; errors are the largest at 4000 points,
+// with the coefficients in quad and rounded.
 #include "chebyshev_fit.hpp"
 
 namespace {
@@ -76,6 +79,33 @@ std::vector<Q> atanh_fit(Q u_max, int count) {
     return lawson(a, b);
 }
 
+// Q of `count` coefficients (lowest degree first) for ln(1 + f) = f Q(f) on [lo, hi]: the
+// minimax fit in relative error, by Lawson's iteration at Chebyshev points of the interval.
+std::vector<Q> mantissa_fit(Q lo, Q hi, int count) {
+    const int points = 3000;
+    std::vector<std::vector<Q>> a(points, std::vector<Q>(count));
+    std::vector<Q> b(points, 1);
+    for (int i = 0; i < points; ++i) {
+        const Q f = (lo + hi) / 2 + (hi - lo) / 2 * cosq(pi() * (i + 0.5Q) / points);
+        for (int j = 0; j < count; ++j) a[i][j] = powq(f, j) / whole(f);
+    }
+    return lawson(a, b);
+}
+
+template <class T>
+void emit_mantissa(const char *name, Q lo, Q hi, int count) {
+    const std::vector<Q> c = mantissa_fit(lo, hi, count);
+    const std::vector<T> rounded(c.begin(), c.end());
+    Q relative = 0;
+    for (int i = 0; i <= 4000; ++i) {
+        const Q f = lo + (hi - lo) * i / 4000;
+        relative = fmaxq(relative, fabsq(eval(rounded, f) - whole(f)) / whole(f));
+    }
+    std::printf("\n// %s: Q, %d coefficients on %.4g <= f <= %.4g: relative error 2^%.1f (rounded to %s)\n", name,
+                count, double(lo), double(hi), double(log2q(relative)), sizeof(T) == 4 ? "float" : "double");
+    print_array(name, rounded);
+}
+
 template <class T>
 void emit_atanh(const char *name, Q u_max, int count) {
     const std::vector<Q> c = atanh_fit(u_max, count);
@@ -103,7 +133,7 @@ int main() {
     emit_atanh<double>("atanh_ep", u_max, 3);
     emit_tail<float>("tail_ha_f", eight, 5);
     emit_whole<float>("whole_la_f", eight, 5);
-    emit_whole<float>("whole_ep_f", eight, 3);
+    emit_mantissa<float>("mantissa_ep_f", 0.70710676908493042Q - 1 - 0x1p-20Q, 1.4142135381698608Q - 1 + 0x1p-20Q, 5);
     std::printf("\n}  // namespace qon::vm::ln_poly\n");
     return 0;
 }

@@ -28,8 +28,12 @@
 //              K = k L1 + logc_hi is exact (both multiples of 2^-16, |k| <= 150), K + r is split
 //              exactly (Fast2Sum: the exponent of logc_hi is at least that of r), and k L2 +
 //              logc_lo + the low part + r^2 q(r) is added last: measured 0.556 ulp.
-//   single LA, EP  N = 8, P of 5 and 3 coefficients (2^-26.5 and 2^-16 relative), K = k ln2 +
-//              RN_float(-ln c_j), r P(r) + K: measured 1.62 ulp and 260 ulp (2^-15 relative).
+//   single LA  N = 8, P of 5 coefficients (2^-26.5 relative), K = k ln2 + RN_float(-ln c_j),
+//              r P(r) + K: measured 1.62 ulp.
+//   single EP  no table (two permutes cost more than a longer polynomial): x = 2^k m, m in
+//              [sqrt(2)/2, sqrt(2)), f = m - 1 exact, ln x = k ln2 + f Q(f), Q of 5
+//              coefficients by Horner's scheme (a minimax fit, 2^-14.3 relative): measured
+//              841 ulp.
 // Lanes outside [smallest normal, largest finite] of their type and NaN go to the scalar routine:
 // ln(+-0) = -inf is a singularity (2), x < 0 and -inf a domain error (1, NaN), ln(+inf) = +inf
 // and NaN give themselves unreported; a double subnormal is scaled by 2^54 and computed by the

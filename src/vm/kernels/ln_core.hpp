@@ -3,8 +3,9 @@
 // the offset pick one of N intervals and its short factor c_j ~ 1/z (ln_tables.hpp, read with
 // register permutes); r = z c_j - 1 is exact, and ln x = k ln2 - ln c_j + log1p(r) with log1p
 // by the fitted polynomials of ln_poly.hpp. Double HA and EP take no table: x = 2^k m and
-// ln m = 2 atanh(u/2) with u = 2(m - 1)/(m + 1), HA with u as a pair. log_core<A> takes positive
-// normal lanes; the methods and their error bounds are described in ln.cpp.
+// ln m = 2 atanh(u/2) with u = 2(m - 1)/(m + 1), HA with u as a pair; nor does single EP, with
+// ln m = f Q(f), f = m - 1. log_core<A> takes positive normal lanes; the methods and their
+// error bounds are described in ln.cpp.
 #pragma once
 
 #include <cstdint>
@@ -52,7 +53,8 @@ struct Set8 {
     static constexpr std::uint32_t offset = 0x3F355555;  // 0.708333313
     static constexpr const float *c = tab::c8_f, *logc_hi = tab::logc8_hi_f, *logc_lo = tab::logc8_lo_f;
 };
-constexpr std::uint64_t root_half = 0x3FE6A09E667F3BCD;  // sqrt(2)/2
+constexpr std::uint64_t root_half = 0x3FE6A09E667F3BCD;    // sqrt(2)/2
+constexpr std::uint32_t root_half_f = 0x3F3504F3;          // sqrt(2)/2 rounded down
 struct Set4 {
     static constexpr int bits = 2;
     static constexpr std::uint64_t offset = 0x3FE5555540000000;  // 0.66666662693023682
@@ -83,9 +85,8 @@ template <class V>
     const auto ix = bits(x);
     if constexpr (std::is_same_v<Elem<V>, float>) {
         t = ix - splat_q<V>(offset);  // k in the exponent field, as a signed integer
-        const auto ki = sra<m>(t);
-        z = from_bits(ix - shl<m>(ki));
-        k = int_to_float(ki);
+        z = from_bits((t & splat_q<V>((1u << m) - 1)) + splat_q<V>(offset));
+        k = int_to_float(sra<m>(t));
     } else {
         t = ix + splat_q<V>(F::one - offset);  // k + 1023 in the exponent field
         const auto e = shr<m>(t);
@@ -169,11 +170,19 @@ template <int A, class V>
         const auto [k, r, j] = reduce<Set4>(x, shift);
         const V K = mul_add(k, constant<V>(Format<double>::ln2), permute_table<4>(tab::logc4, j));
         return mul_add(r, polynomial<ln_poly::whole_la>(r), K);
-    } else if constexpr (A != HA && single) {
+    } else if constexpr (A == EP && single) {
+        // No table (two permutes cost more than the longer polynomial): x = 2^k m, m in
+        // [sqrt(2)/2, sqrt(2)), f = m - 1 exact, ln m = f Q(f), Q by Horner's scheme.
+        V k, m;
+        Ints<V> t;
+        split(x, root_half_f, shift, k, m, t);
+        const V f = m - splat<V>(1.0f);
+        const V q = horner_every<0, 1, std::size(ln_poly::mantissa_ep_f)>(f, highest_first<ln_poly::mantissa_ep_f, V>);
+        return mul_add(k, constant<V>(Format<float>::ln2), f * q);
+    } else if constexpr (A == LA && single) {
         const auto [k, r, j] = reduce<Set8>(x, shift);
         const V K = mul_add(k, constant<V>(Format<float>::ln2), permute_table<8>(tab::logc8_f, j));
-        if constexpr (A == LA) return mul_add(r, polynomial<ln_poly::whole_la_f>(r), K);
-        else return mul_add(r, polynomial<ln_poly::whole_ep_f, 0>(r), K);
+        return mul_add(r, polynomial<ln_poly::whole_la_f>(r), K);
     } else {
         // Single HA: K = k L1 + logc_hi is exact and K + r is split exactly (Fast2Sum).
         const auto [k, r, j] = reduce<Set8>(x, shift);

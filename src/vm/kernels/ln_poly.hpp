@@ -59,11 +59,13 @@ inline constexpr float whole_la_f[5] = {
     std::bit_cast<float>(0x3F800000u),  // 1
 };
 
-// whole_ep_f: P, 3 coefficients on |r| <= 0.0625: relative error 2^-16.0 (rounded to float)
-inline constexpr float whole_ep_f[3] = {
-    std::bit_cast<float>(0x3EAAF7A1u),  // 0.333920509
-    std::bit_cast<float>(0xBF003018u),  // -0.500733852
-    std::bit_cast<float>(0x3F800000u),  // 1
+// mantissa_ep_f: Q, 5 coefficients on -0.2929 <= f <= 0.4142: relative error 2^-14.3 (rounded to float)
+inline constexpr float mantissa_ep_f[5] = {
+    std::bit_cast<float>(0x3E34D18Du),  // 0.176580623
+    std::bit_cast<float>(0xBE8AB974u),  // -0.270946145
+    std::bit_cast<float>(0x3EAC3B29u),  // 0.336388856
+    std::bit_cast<float>(0xBEFFB7FFu),  // -0.499450654
+    std::bit_cast<float>(0x3F7FFDC9u),  // 0.999966204
 };
 
 }  // namespace qon::vm::ln_poly
