@@ -61,12 +61,11 @@ struct Set4 {
     static constexpr const double *c = tab::c4;
 };
 
-// A polynomial of ln_poly.hpp (highest degree first) by Estrin's scheme; HA and LA add the two
-// lowest coefficients by Horner steps (their roundings are the ones that count), EP does not
-// need to.
-template <const auto &c, int horner_low = 2, class V>
+// A polynomial of ln_poly.hpp (highest degree first) by Estrin's scheme, its two lowest
+// coefficients added by Horner steps (their roundings are the ones that count).
+template <const auto &c, class V>
 V polynomial(V r) {
-    return estrin<std::size(c), horner_low>(r, highest_first<c, V>);
+    return estrin<std::size(c), 2>(r, highest_first<c, V>);
 }
 // The same by its even and odd parts (two Horner chains in r^2), the shorter chain for the double
 // HA tail, which is under 1% of the result.
@@ -177,8 +176,7 @@ template <int A, class V>
         Ints<V> t;
         split(x, root_half_f, shift, k, m, t);
         const V f = m - splat<V>(1.0f);
-        const V q = horner_every<0, 1, std::size(ln_poly::mantissa_ep_f)>(f, highest_first<ln_poly::mantissa_ep_f, V>);
-        return mul_add(k, constant<V>(Format<float>::ln2), f * q);
+        return mul_add(k, constant<V>(Format<float>::ln2), f * horner_of<ln_poly::mantissa_ep_f>(f));
     } else if constexpr (A == LA && single) {
         const auto [k, r, j] = reduce<Set8>(x, shift);
         const V K = mul_add(k, constant<V>(Format<float>::ln2), permute_table<8>(tab::logc8_f, j));

@@ -211,6 +211,11 @@ inline V horner_every(V w, const F &coef) {
     if constexpr (count == 1) return c;
     else return mul_add(horner_every<first + step, step, count - 1>(w, coef), w, c);
 }
+// A generated table c (highest degree first) at s by Horner's scheme: the fewest operations.
+template <const auto &c, class V>
+inline V horner_of(V s) {
+    return horner_every<0, 1, std::size(c)>(s, highest_first<c, V>);
+}
 // sum over i < n of coef(i) s^i as its even and odd parts in s^2: two Horner chains of half the
 // length, for one multiplication more.
 template <int n, class V, class F>

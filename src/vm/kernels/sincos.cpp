@@ -55,8 +55,8 @@ struct QuarterPairs {
     template <class D>
     static void eval(const Reduced<D> &a, D &s, D &c) {
         const D z = a.r * a.r;
-        s = a.r * fitted_horner<Q>(z);
-        c = mul_add(z, fitted_horner<C>(z), splat<D>(1));
+        s = a.r * horner_of<Q>(z);
+        c = mul_add(z, horner_of<C>(z), splat<D>(1));
     }
 };
 

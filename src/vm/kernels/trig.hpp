@@ -91,12 +91,6 @@ V fitted(V z) {
     return even_odd<std::size(c)>(z, highest_first<c, V>);
 }
 
-// The same by Horner's scheme: the fewest operations, for the short EP forms.
-template <const auto &c, class V>
-V fitted_horner(V z) {
-    return horner_every<0, 1, std::size(c)>(z, highest_first<c, V>);
-}
-
 template <class V>
 struct Reduced {
     V r, lo;
@@ -148,9 +142,9 @@ V sine_by_pi(V x) {
     if constexpr (form == Form::product) {
         return from_bits(bits(r * mul_add(z, fitted<S>(z), one)) ^ flip);
     } else if constexpr (form == Form::free_clamped) {
-        return from_bits(bits(max(splat<V>(E(-1)), min(one, r * fitted_horner<S>(z)))) ^ flip);
+        return from_bits(bits(max(splat<V>(E(-1)), min(one, r * horner_of<S>(z)))) ^ flip);
     } else if constexpr (form == Form::free) {
-        return from_bits(bits(r * fitted_horner<S>(z)) ^ flip);
+        return from_bits(bits(r * horner_of<S>(z)) ^ flip);
     } else {
         const V s = max(min(mul_add(r * z, fitted<S>(z), r), one), splat<V>(E(-1)));
         const V v = from_bits(bits(s) ^ flip);
