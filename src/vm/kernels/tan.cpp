@@ -48,7 +48,7 @@ struct TanKind {
 template <class E, const auto &N, const auto &D, int parts, bool wide = false>
 struct Quotient {
     using T = E;
-    static constexpr int groups = 4;
+    static constexpr int groups = wide ? 2 : 4;  // in double lanes two, measured 4-9% faster
     static constexpr double limit = vector_limit;
 
     template <class W>
