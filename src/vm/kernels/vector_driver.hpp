@@ -98,6 +98,7 @@ struct VectorKernel {
     [[gnu::noinline, gnu::flatten]] static int clean_groups(int i, int n, const T *a, Out out) {
         constexpr bool bounded = requires { Method::limit; };
         constexpr bool screened = requires(V v) { Method::screen(v); };
+        if constexpr (screened) static_assert(Method::margin < 1);  // the running minimum starts at 1
         for (; i <= n - G * L; i += G * L) {
             V y[G][results];
             simd::Mask<V> flagged;
