@@ -141,10 +141,10 @@ V sine_by_pi(V x) {
     const V one = splat<V>(E(1));
     if constexpr (form == Form::product) {
         return from_bits(bits(r * mul_add(z, fitted<S>(z), one)) ^ flip);
-    } else if constexpr (form == Form::free_clamped) {
-        return from_bits(bits(max(splat<V>(E(-1)), min(one, r * horner_of<S>(z)))) ^ flip);
-    } else if constexpr (form == Form::free) {
-        return from_bits(bits(r * horner_of<S>(z)) ^ flip);
+    } else if constexpr (form == Form::free || form == Form::free_clamped) {
+        V v = r * horner_of<S>(z);
+        if constexpr (form == Form::free_clamped) v = max(splat<V>(E(-1)), min(one, v));
+        return from_bits(bits(v) ^ flip);
     } else {
         const V s = max(min(mul_add(r * z, fitted<S>(z), r), one), splat<V>(E(-1)));
         const V v = from_bits(bits(s) ^ flip);
@@ -403,16 +403,18 @@ struct PairsByHalfPi : MainLoopTest<paired> {
 // its floor(x/pi) from a rounded product can reach, overshooting at pi/2 and clamped (2^-12.2).
 template <class Kind>
 using ByPiLA = ByPi<Kind, double, trig_poly::sine_pi_8, 3>;
+// The EP forms of either type: the sine r Q(z) below 1, the cosine its own fit clamped.
+template <class Kind, class E, const auto &Sine, const auto &Cosine, int parts>
+using ByPiFree = std::conditional_t<Kind::cosine, ByPi<Kind, E, Cosine, parts, Form::free_clamped>,
+                                    ByPi<Kind, E, Sine, parts, Form::free>>;
 template <class Kind>
-using ByPiEP = std::conditional_t<Kind::cosine, ByPi<Kind, double, trig_poly::cosine_pi_free_5, 2, Form::free_clamped>,
-                                  ByPi<Kind, double, trig_poly::sine_pi_free_5, 2, Form::free>>;
+using ByPiEP = ByPiFree<Kind, double, trig_poly::sine_pi_free_5, trig_poly::cosine_pi_free_5, 2>;
 template <class Kind>
 using ByPiSingleHA = ByPi<Kind, float, trig_poly::sine_pi_5, 2, Form::product, true>;
 template <class Kind>
 using ByPiSingleLA = ByPi<Kind, float, trig_poly::sine_pi_5f, 3>;
 template <class Kind>
-using ByPiSingleEP = std::conditional_t<Kind::cosine, ByPi<Kind, float, trig_poly::cosine_pi_free_3f, 3, Form::free_clamped>,
-                                        ByPi<Kind, float, trig_poly::sine_pi_free_3f, 3, Form::free>>;
+using ByPiSingleEP = ByPiFree<Kind, float, trig_poly::sine_pi_free_3f, trig_poly::cosine_pi_free_3f, 3>;
 
 }  // namespace qon::vm::trig
 
